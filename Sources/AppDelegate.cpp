@@ -1,0 +1,142 @@
+#include "AppDelegate.h"
+
+#include "Defaults.h"
+#include "DiagnosticLog.h"
+#include "PellamKit/PellamApplicationMenu.h"
+#include "PellamKit/PellamStatusItemVisibility.h"
+#include "Platform/Accessibility.h"
+#include "Platform/EventAccess.h"
+#include "Platform/NotificationCenter.h"
+#include "Platform/Platform.h"
+#include "Platform/Scheduler.h"
+#include "Platform/UserDefaults.h"
+#include "ProgrammingError.h"
+#include "ScriptCommands.h"
+#include "Text.h"
+#include "WindowDetector.h"
+
+#include <fmt/format.h>
+
+namespace quillon {
+
+namespace {
+
+/// Time for a newly activated application to bring its window to the front.
+constexpr Seconds focusSettleDelay{0.1};
+
+} // namespace
+
+AppDelegate::AppDelegate() = default;
+
+AppDelegate::~AppDelegate() = default;
+
+void AppDelegate::applicationDidFinishLaunching() {
+    PellamApplicationMenu::install();
+    auto* application = platform().sharedApplication();
+    if (application == nullptr) {
+        programmingError("there is no shared application");
+    }
+    application->setActivationPolicy(ActivationPolicy::accessory);
+
+    const bool trusted = platform().accessibility().isProcessTrusted();
+    wplog([&] { return fmt::format("Accessibility trusted: {}", describe(trusted)); });
+    promptForAccessibilityOnce(trusted);
+    logEventAccess();
+
+    loadShortcut();
+    republishHotkey();
+    migrateLegacyPillColorKey();
+    createStatusItem();
+
+    auto& notifications = platform().notificationCenter();
+    observers.push_back(notifications.addObserver(PellamStatusItemVisibility::didChangeNotification,
+                                                  weakly([](AppDelegate& self) { self.applyStatusItemVisibility(); })));
+    tracker.onChange = weakly([](AppDelegate& self) { self.updateIcon(); });
+    focusObserver = platform().workspace().observeDidActivateApplication(
+        weakly([](AppDelegate& self, const auto& activated) { self.rememberWindowOf(activated); }));
+    registerHotkey();
+    // The menu bar's thickness, on which the icon depends, may have changed.
+    observers.push_back(notifications.addObserver(screenParametersDidChangeNotification,
+                                                  weakly([](AppDelegate& self) { self.updateIcon(); })));
+    wplog([] { return std::string("Launched successfully"); });
+}
+
+/// The system's prompt appears at most once per installation.
+void AppDelegate::promptForAccessibilityOnce(bool trusted) {
+    if (trusted || Defaults::boolForKey(Defaults::didPromptForAccessibility)) {
+        return;
+    }
+    platform().userDefaults().set(Defaults::didPromptForAccessibility, true);
+    platform().accessibility().promptForTrust();
+}
+
+void AppDelegate::logEventAccess() const {
+    wplog([] {
+        const auto& access = platform().eventAccess();
+        return fmt::format("PostEvent access: {}  ListenEvent access: {}", describe(access.preflightPostEventAccess()),
+                           describe(access.preflightListenEventAccess()));
+    });
+}
+
+void AppDelegate::applicationWillTerminate() {
+    focusObserver.reset();
+    tracker.unpinAll();
+}
+
+bool AppDelegate::applicationShouldHandleReopen(bool /*hasVisibleWindows*/) {
+    PellamStatusItemVisibility::handleReopen();
+    return true;
+}
+
+void AppDelegate::rememberWindowOf(const std::optional<RunningApplication>& application) {
+    if (!application || application->processIdentifier == platform().processInfo().processIdentifier()) {
+        return;
+    }
+    platform().scheduler().mainAfter(focusSettleDelay, [self = shared_from_this()] {
+        if (auto window = WindowDetector::getFrontmostForeignWindow()) {
+            self->lastForeignWindow = std::move(window);
+        }
+    });
+}
+
+void AppDelegate::togglePinFrontmostWindow() {
+    const auto window = WindowDetector::getFrontmostForeignWindow();
+    if (!window) {
+        wplog([] { return std::string("togglePin: No foreign window found"); });
+        return;
+    }
+    const bool wasPinned = tracker.isPinned(window->windowID);
+    if (wasPinned) {
+        tracker.unpin(window->windowID);
+    } else {
+        tracker.pin(*window);
+    }
+    wplog([&] {
+        return fmt::format("togglePin: {} '{}' (wid={})", wasPinned ? "Unpinned" : "Pinned", window->titleOrOwnerName(),
+                           window->windowID);
+    });
+}
+
+ScriptReply AppDelegate::performScriptCommand(const ScriptCommand& command) {
+    return ScriptCommands::perform(command, tracker, [this] { togglePinFrontmostWindow(); });
+}
+
+// The global shortcut has no tap and no stored form yet: the built-in one stays, and scripts toggle instead.
+
+void AppDelegate::loadShortcut() {}
+
+void AppDelegate::republishHotkey() {}
+
+void AppDelegate::registerHotkey() {}
+
+// There is no status item yet, so nothing is created, moved or redrawn.
+
+void AppDelegate::migrateLegacyPillColorKey() {}
+
+void AppDelegate::createStatusItem() {}
+
+void AppDelegate::applyStatusItemVisibility() {}
+
+void AppDelegate::updateIcon() {}
+
+} // namespace quillon

@@ -1,0 +1,63 @@
+#include "Defaults.h"
+
+#include "Platform/Platform.h"
+#include "Platform/UserDefaults.h"
+
+#include <charconv>
+#include <string>
+
+namespace quillon::Defaults {
+
+namespace {
+
+constexpr std::string_view blanks = " \t\n\v\f\r";
+
+std::string_view withoutLeadingBlanks(std::string_view text) {
+    const auto start = text.find_first_not_of(blanks);
+    return start == std::string_view::npos ? std::string_view() : text.substr(start);
+}
+
+bool boolValue(std::string_view text) {
+    text = withoutLeadingBlanks(text);
+    if (!text.empty() && (text.front() == '+' || text.front() == '-')) {
+        text.remove_prefix(1);
+    }
+    text.remove_prefix(std::min(text.find_first_not_of('0'), text.size()));
+    return !text.empty() && std::string_view("YyTt123456789").find(text.front()) != std::string_view::npos;
+}
+
+double doubleValue(std::string_view text) {
+    text = withoutLeadingBlanks(text);
+    if (text.starts_with('+')) {
+        text.remove_prefix(1);
+    }
+    double value = 0;
+    std::from_chars(text.data(), text.data() + text.size(), value);
+    return value;
+}
+
+struct AsBool {
+    bool operator()(const std::string& text) const { return boolValue(text); }
+    bool operator()(const PropertyData&) const { return false; }
+    bool operator()(auto number) const { return number != 0; }
+};
+
+struct AsDouble {
+    double operator()(const std::string& text) const { return doubleValue(text); }
+    double operator()(const PropertyData&) const { return 0; }
+    double operator()(auto number) const { return static_cast<double>(number); }
+};
+
+} // namespace
+
+bool boolForKey(std::string_view key) {
+    const auto value = platform().userDefaults().object(key);
+    return value && std::visit(AsBool(), *value);
+}
+
+double doubleForKey(std::string_view key) {
+    const auto value = platform().userDefaults().object(key);
+    return value ? std::visit(AsDouble(), *value) : 0;
+}
+
+} // namespace quillon::Defaults

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string_view>
+
+/// The keys of the user defaults and the rules for reading them. Nothing registers defaults: an absent key
+/// reads as false or 0, and every reader applies its own default to that. Any thread.
+namespace quillon::Defaults {
+
+/// Double, frames per second.
+inline constexpr std::string_view captureRate = "captureRate";
+/// Bool.
+inline constexpr std::string_view forwardEvents = "forwardEvents";
+/// Bool.
+inline constexpr std::string_view pinToAllSpaces = "pinToAllSpaces";
+/// Bool; set by hand.
+inline constexpr std::string_view debugLogging = "debugLogging";
+/// Bool; the system's Accessibility prompt was shown once.
+inline constexpr std::string_view didPromptForAccessibility = "didPromptForAccessibilityStableIdentity";
+
+/// The value as a truth (NSUserDefaults boolForKey:): a number is true unless it is 0; a text is true when it
+/// starts, after blanks and a sign and zeros, with Y, y, T, t or a digit from 1 to 9; anything else is false.
+[[nodiscard]] bool boolForKey(std::string_view key);
+
+/// The value as a number (NSUserDefaults doubleForKey:): a truth is 1 or 0, a text counts as the number it
+/// starts with; anything else is 0.
+[[nodiscard]] double doubleForKey(std::string_view key);
+
+} // namespace quillon::Defaults

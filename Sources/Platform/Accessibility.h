@@ -1,0 +1,67 @@
+#pragma once
+
+#include "Platform/Geometry.h"
+#include "Platform/ProcessInfo.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <variant>
+
+namespace quillon {
+
+class AccessibilityElement;
+
+/// The result code of an Accessibility call (AXError).
+enum class AccessibilityError : int {
+    success = 0,
+    failure = -25200,              ///< kAXErrorFailure
+    illegalArgument = -25201,      ///< kAXErrorIllegalArgument
+    invalidUIElement = -25202,     ///< kAXErrorInvalidUIElement: it is gone
+    cannotComplete = -25204,       ///< kAXErrorCannotComplete: no answer in time
+    attributeUnsupported = -25205, ///< kAXErrorAttributeUnsupported
+    apiDisabled = -25211,          ///< kAXErrorAPIDisabled: no permission
+    noValue = -25212,              ///< kAXErrorNoValue
+};
+
+/// The value of an attribute; `monostate` stands for a value of a type that is not listed. A point is
+/// kAXValueTypeCGPoint, a size kAXValueTypeCGSize.
+using AccessibilityValue =
+    std::variant<std::monostate, std::string, DisplayPoint, Size, std::shared_ptr<AccessibilityElement>>;
+
+struct AccessibilityRead {
+    AccessibilityError error = AccessibilityError::failure;
+    /// Meaningful only on success.
+    AccessibilityValue value;
+
+    /// The value when the read succeeded and the value is a T, else nullptr.
+    template <class T>
+    [[nodiscard]] const T* get() const {
+        return error == AccessibilityError::success ? std::get_if<T>(&value) : nullptr;
+    }
+};
+
+/// An application or a part of its user interface (AXUIElement). The thread is the caller's; calls may
+/// wait for the application.
+class AccessibilityElement {
+public:
+    virtual ~AccessibilityElement() = default;
+
+    /// Reads an attribute by its name ("AXTitle", ...).
+    [[nodiscard]] virtual AccessibilityRead copyAttributeValue(std::string_view attribute) const = 0;
+};
+
+/// The Accessibility interface. Main thread.
+class Accessibility {
+public:
+    virtual ~Accessibility() = default;
+
+    /// AXIsProcessTrusted.
+    [[nodiscard]] virtual bool isProcessTrusted() const = 0;
+    /// AXIsProcessTrustedWithOptions with kAXTrustedCheckOptionPrompt: the system asks the user.
+    virtual void promptForTrust() = 0;
+    /// Never null, even when no such process runs; reads from it then fail.
+    [[nodiscard]] virtual std::shared_ptr<AccessibilityElement> applicationElement(ProcessID pid) const = 0;
+};
+
+} // namespace quillon

@@ -1,0 +1,30 @@
+#include "Platform/Platform.h"
+
+#include "Platform/OneTimeValue.h"
+#include "ProgrammingError.h"
+
+#include <utility>
+
+namespace quillon {
+
+namespace {
+Platform* current = nullptr;
+}
+
+Platform& platform() {
+    if (current == nullptr) {
+        programmingError("no platform is installed");
+    }
+    return *current;
+}
+
+PlatformScope::PlatformScope(Platform& platform) : previous(std::exchange(current, &platform)) {
+    OneTimeValueBase::resetAll();
+}
+
+PlatformScope::~PlatformScope() {
+    OneTimeValueBase::resetAll();
+    current = previous;
+}
+
+} // namespace quillon

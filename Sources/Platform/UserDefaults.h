@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace quillon {
+
+using PropertyData = std::vector<std::byte>;
+
+/// A stored value with the type it was stored with.
+using PropertyValue = std::variant<bool, std::int64_t, double, std::string, PropertyData>;
+
+/// The user's persistent settings (the standard NSUserDefaults). There are no registered defaults. Any
+/// thread; a value written on one thread is seen by every later read on any thread. A change made by hand
+/// from outside is seen by later reads, at the latest when the event loop has run once. Values that
+/// cannot be stored or read count as absent; the platform reports why, nothing else is lost by it.
+class UserDefaults {
+public:
+    virtual ~UserDefaults() = default;
+
+    /// None when the key is absent or its value has a type that `PropertyValue` does not have.
+    [[nodiscard]] virtual std::optional<PropertyValue> object(std::string_view key) const = 0;
+    virtual void set(std::string_view key, const PropertyValue& value) = 0;
+    virtual void remove(std::string_view key) = 0;
+};
+
+} // namespace quillon

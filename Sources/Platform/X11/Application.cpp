@@ -1,0 +1,57 @@
+#include "Platform/X11/Application.h"
+
+#include "ExitStatus.h"
+#include "Platform/X11/RemoteControl.h"
+#include "Platform/X11/TerminationSignals.h"
+
+#include <QCoreApplication>
+
+namespace quillon::x11 {
+
+X11Application::X11Application(RemoteControl* remoteControl) : remoteControl(remoteControl) {}
+
+X11Application::~X11Application() = default;
+
+void X11Application::setDelegate(std::weak_ptr<ApplicationDelegate> newDelegate) {
+    delegate = std::move(newDelegate);
+}
+
+void X11Application::setActivationPolicy(ActivationPolicy /*policy*/) {}
+
+void X11Application::connectRemoteControl() {
+    if (remoteControl == nullptr) {
+        return;
+    }
+    auto& service = remoteControl->service();
+    service.onCommand = [weak = delegate](const ScriptCommand& command) {
+        const auto alive = weak.lock();
+        return alive ? alive->performScriptCommand(command) : ScriptReply{ExitStatus::notRunning, {}};
+    };
+    service.onReopen = [weak = delegate] {
+        if (const auto alive = weak.lock()) {
+            alive->applicationShouldHandleReopen(false);
+        }
+    };
+}
+
+void X11Application::run() {
+    signals = std::make_unique<TerminationSignals>([this] { terminate(); });
+    connectRemoteControl();
+    if (const auto alive = delegate.lock()) {
+        alive->applicationDidFinishLaunching();
+    }
+    // The loop cannot be told to end before it runs.
+    if (!hasEnded) {
+        status = QCoreApplication::exec();
+    }
+    if (const auto alive = delegate.lock()) {
+        alive->applicationWillTerminate();
+    }
+}
+
+void X11Application::terminate() {
+    hasEnded = true;
+    QCoreApplication::exit(ExitStatus::success);
+}
+
+} // namespace quillon::x11

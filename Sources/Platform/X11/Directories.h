@@ -1,0 +1,17 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace quillon::x11 {
+
+/// The directory that the environment variable names, else the place inside the home directory; none when the user
+/// has no home directory. A relative path in the variable counts as none, as the desktop's rules for directories
+/// want it. `placeInHome` begins with a slash.
+[[nodiscard]] std::optional<std::string> userDirectory(const char* variable, const std::string& placeInHome);
+
+/// Creates the directory and those above it that are missing, with those permission bits. Errors show when the
+/// directory is used.
+void createDirectories(const std::string& path, unsigned permissions);
+
+} // namespace quillon::x11

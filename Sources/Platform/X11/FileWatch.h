@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QFileSystemWatcher>
+#include <QString>
+
+#include <functional>
+#include <string>
+
+namespace quillon::x11 {
+
+/// Calls back from the event loop when a file was changed, replaced, created or removed, also when its directory
+/// does not exist yet. Costs nothing while nothing happens. Main thread.
+class FileWatch {
+public:
+    FileWatch(const std::string& path, std::function<void()> changed);
+
+private:
+    void watchWhatExists();
+
+    QString path;
+    QFileSystemWatcher watcher;
+};
+
+} // namespace quillon::x11

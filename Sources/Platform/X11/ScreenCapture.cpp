@@ -1,0 +1,137 @@
+#include "Platform/X11/ScreenCapture.h"
+
+#include "Platform/Platform.h"
+#include "Platform/X11/CaptureErrors.h"
+#include "Platform/X11/PicturePorts.h"
+#include "Platform/X11/WindowStream.h"
+
+#include <utility>
+
+namespace quillon::x11 {
+
+namespace {
+
+class X11CaptureWindow final : public CaptureWindow {
+public:
+    X11CaptureWindow(std::shared_ptr<SourceWindows> sources, WindowID number, std::optional<std::string> name)
+        : sources(std::move(sources)), number(number), name(std::move(name)) {}
+
+    WindowID windowID() const override { return number; }
+    std::optional<std::string> title() const override { return name; }
+
+    /// The window, redirected from now on for as long as the record is held.
+    const std::shared_ptr<SourceWindow>& source() {
+        if (!held || held->state() == SourceWindow::State::gone) {
+            held = sources->hold(number);
+        }
+        return held;
+    }
+
+private:
+    std::shared_ptr<SourceWindows> sources;
+    WindowID number;
+    std::optional<std::string> name;
+    std::shared_ptr<SourceWindow> held;
+};
+
+class WindowFilter final : public ContentFilter {
+public:
+    WindowFilter(std::shared_ptr<SourceWindow> source, double scale) : held(std::move(source)), scale(scale) {}
+
+    double pointPixelScale() const override { return scale; }
+    const std::shared_ptr<SourceWindow>& source() const { return held; }
+
+private:
+    std::shared_ptr<SourceWindow> held;
+    double scale;
+};
+
+/// Every object of the ports was made here.
+const std::shared_ptr<SourceWindow>& sourceOf(const std::shared_ptr<ContentFilter>& filter) {
+    return static_cast<const WindowFilter&>(*filter).source();
+}
+
+using Records = std::vector<std::weak_ptr<X11CaptureWindow>>;
+
+void holdWindowsOf(const Records& records) {
+    for (const auto& record : records) {
+        if (const auto chosen = record.lock()) {
+            chosen->source();
+        }
+    }
+}
+
+/// The picture of the source as it is now.
+std::variant<std::shared_ptr<Surface>, CaptureError> takePicture(const SourceWindow& source) {
+    if (source.state() == SourceWindow::State::gone) {
+        return windowGone();
+    }
+    if (!source.isMapped() || !source.picture()) {
+        return windowWithoutPicture();
+    }
+    auto feed = std::make_shared<PictureFeed>();
+    // A copy: the surface is one picture, not a live one. It is freed as soon as a stream's frame replaces it.
+    feed->picture = source.picture()->copy();
+    return std::make_shared<PictureSurface>(std::move(feed), 0, true);
+}
+
+} // namespace
+
+X11ScreenCapture::X11ScreenCapture(Connection& connection, Scheduler& scheduler)
+    : connection(connection), scheduler(scheduler), sources(std::make_shared<SourceWindows>(connection)) {}
+
+void X11ScreenCapture::getShareableContent(bool excludingDesktopWindows, bool onScreenWindowsOnly,
+                                           ContentCompletion completion) {
+    const WindowListOption options = (excludingDesktopWindows ? windowListExcludeDesktopElements : 0) |
+                                     (onScreenWindowsOnly ? windowListOnScreenOnly : 0);
+    scheduler.mainAsync([this, options, completion = std::move(completion)] {
+        const auto windows = platform().windowServer().copyWindowInfo(options, nullWindowID);
+        if (!windows) {
+            completion(noWindowList());
+            return;
+        }
+        Records records;
+        {
+            ShareableContent content;
+            for (const auto& window : *windows) {
+                if (window.number) {
+                    auto record = std::make_shared<X11CaptureWindow>(sources, *window.number, window.name);
+                    records.push_back(record);
+                    content.windows.push_back(std::move(record));
+                }
+            }
+            completion(std::move(content));
+        }
+        scheduler.mainAsync([this, records = std::move(records)]() mutable {
+            scheduler.mainAsync([records = std::move(records)] { holdWindowsOf(records); });
+        });
+    });
+}
+
+std::shared_ptr<ContentFilter>
+X11ScreenCapture::makeFilter(const std::shared_ptr<CaptureWindow>& desktopIndependentWindow) {
+    auto& record = static_cast<X11CaptureWindow&>(*desktopIndependentWindow);
+    return std::make_shared<WindowFilter>(record.source(), connection.scale());
+}
+
+std::shared_ptr<CaptureStream> X11ScreenCapture::makeStream(const std::shared_ptr<ContentFilter>& filter,
+                                                            const StreamConfiguration& configuration,
+                                                            StoppedCallback stopped) {
+    return std::make_shared<WindowStream>(connection, scheduler, sourceOf(filter), configuration, std::move(stopped));
+}
+
+void X11ScreenCapture::captureImage(const std::shared_ptr<ContentFilter>& filter,
+                                    const StreamConfiguration& /*configuration*/, ImageCompletion completion) {
+    const auto& source = sourceOf(filter);
+    source->whenKnown([this, source, completion = std::move(completion)] {
+        const auto remaining = source->completeFrom() - std::chrono::steady_clock::now();
+        scheduler.mainAfter(std::max<Seconds>(remaining, Seconds::zero()),
+                            [source, completion] { completion(takePicture(*source)); });
+    });
+}
+
+std::unique_ptr<ScreenCapture> makeScreenCapture(Connection& connection, Scheduler& scheduler) {
+    return std::make_unique<X11ScreenCapture>(connection, scheduler);
+}
+
+} // namespace quillon::x11

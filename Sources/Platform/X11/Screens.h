@@ -1,0 +1,50 @@
+#pragma once
+
+#include "Platform/Screens.h"
+#include "Platform/X11/Connection.h"
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace quillon {
+class NotificationCenter;
+class Scheduler;
+} // namespace quillon
+
+namespace quillon::x11 {
+
+class ClientWindows;
+
+/// The monitors of the RandR extension, the primary one first; the whole root window where there are none. Keeps
+/// the connection's primary screen up to date.
+class X11Screens final : public Screens {
+public:
+    X11Screens(Connection& connection, Scheduler& scheduler, NotificationCenter& notifications,
+               const ClientWindows& windows);
+
+    [[nodiscard]] std::vector<Screen> screens() const override;
+    [[nodiscard]] std::optional<Screen> mainScreen() const override;
+
+private:
+    void observeChanges();
+    void scheduleUpdate();
+    [[nodiscard]] std::vector<PixelRect> readMonitors() const;
+    void update();
+    [[nodiscard]] Screen screen(const PixelRect& monitor) const;
+
+    Connection& connection;
+    Scheduler& scheduler;
+    NotificationCenter& notifications;
+    const ClientWindows& windows;
+    bool hasMonitors = false;
+    bool isUpdateDue = false;
+    /// Never empty; the primary one first.
+    std::vector<PixelRect> monitors;
+    RegistrationToken screenChange;
+    RegistrationToken outputChange;
+    /// Ends an update that waits in the event loop when the screens go.
+    std::shared_ptr<void> lifetime = std::make_shared<char>();
+};
+
+} // namespace quillon::x11

@@ -1,0 +1,200 @@
+#include "Platform/X11/UserDefaults.h"
+
+#include "Platform/X11/Directories.h"
+#include "Platform/X11/FileWatch.h"
+#include "Platform/X11/SettingsFile.h"
+#include "Platform/X11/StandardError.h"
+#include "Text.h"
+
+#include <QByteArray>
+
+#include <fmt/format.h>
+
+#include <cmath>
+
+namespace quillon::x11 {
+
+namespace {
+
+using nlohmann::json;
+
+constexpr const char* dataMember = "data";
+
+std::optional<PropertyData> dataOf(const json& value) {
+    if (value.size() != 1 || !value.contains(dataMember) || !value[dataMember].is_string()) {
+        return std::nullopt;
+    }
+    const auto decoded = QByteArray::fromBase64Encoding(QByteArray::fromStdString(value[dataMember].get<std::string>()),
+                                                        QByteArray::AbortOnBase64DecodingErrors);
+    if (!decoded) {
+        return std::nullopt;
+    }
+    const auto* first = reinterpret_cast<const std::byte*>((*decoded).constData());
+    return PropertyData(first, first + (*decoded).size());
+}
+
+std::optional<PropertyValue> fromJson(const json& value) {
+    switch (value.type()) {
+    case json::value_t::boolean:
+        return value.get<bool>();
+    case json::value_t::number_integer:
+        return value.get<std::int64_t>();
+    case json::value_t::number_unsigned:
+        // A whole number that is not negative comes with this type.
+        if (value.get<std::uint64_t>() > static_cast<std::uint64_t>(INT64_MAX)) {
+            return std::nullopt;
+        }
+        return value.get<std::int64_t>();
+    case json::value_t::number_float:
+        return value.get<double>();
+    case json::value_t::string:
+        return value.get<std::string>();
+    case json::value_t::object:
+        if (auto data = dataOf(value)) {
+            return std::move(*data);
+        }
+        return std::nullopt;
+    default:
+        return std::nullopt;
+    }
+}
+
+/// None when JSON cannot hold the value.
+struct ToJson {
+    std::optional<json> operator()(double number) const {
+        return std::isfinite(number) ? std::optional<json>(number) : std::nullopt;
+    }
+    std::optional<json> operator()(const std::string& text) const {
+        return isValidUTF8(text) ? std::optional<json>(text) : std::nullopt;
+    }
+    std::optional<json> operator()(const PropertyData& data) const {
+        const QByteArray bytes(reinterpret_cast<const char*>(data.data()), static_cast<qsizetype>(data.size()));
+        return json::object({{dataMember, bytes.toBase64().toStdString()}});
+    }
+    std::optional<json> operator()(auto value) const { return json(value); }
+};
+
+/// Null stands for a value that is to go.
+void applyChange(json& document, const std::string& key, const json& value) {
+    if (value.is_null()) {
+        document.erase(key);
+    } else {
+        document[key] = value;
+    }
+}
+
+} // namespace
+
+struct X11UserDefaults::Stored {
+    /// The file's content as it was last read without fault.
+    json document = json::object();
+    /// Changes that could not be written; they hold for this run.
+    std::map<std::string, json> unsaved;
+};
+
+X11UserDefaults::X11UserDefaults() : stored(std::make_unique<Stored>()) {
+    const auto directory = userDirectory("XDG_CONFIG_HOME", "/.config");
+    if (directory) {
+        file = std::make_unique<SettingsFile>(*directory + "/quillon/defaults.json");
+    } else {
+        report("Nessuna cartella personale: le impostazioni non vengono lette né salvate (imposta HOME)");
+    }
+    const std::lock_guard lock(mutex);
+    load();
+}
+
+X11UserDefaults::~X11UserDefaults() = default;
+
+std::optional<PropertyValue> X11UserDefaults::object(std::string_view key) const {
+    const auto current = values.load();
+    const auto found = current->find(key);
+    return found != current->end() ? std::optional(found->second) : std::nullopt;
+}
+
+void X11UserDefaults::set(std::string_view key, const PropertyValue& value) {
+    change(key, value);
+}
+
+void X11UserDefaults::remove(std::string_view key) {
+    change(key, std::nullopt);
+}
+
+void X11UserDefaults::change(std::string_view key, const std::optional<PropertyValue>& value) {
+    const std::lock_guard lock(mutex);
+    const auto encoded = value ? std::visit(ToJson(), *value) : std::optional<json>(nullptr);
+    isLatestSaved = false;
+    if (!encoded || !isValidUTF8(key)) {
+        report(fmt::format("Il valore per «{}» non si può salvare: vuole UTF-8 valido o un numero finito", key));
+        return;
+    }
+    stored->unsaved[std::string(key)] = *encoded;
+    const auto problem = !file ? std::optional<std::string>() : file->change(stored->document, [this](json& document) {
+        for (const auto& [name, change] : stored->unsaved) {
+            applyChange(document, name, change);
+        }
+        stored->document = document;
+    });
+    if (problem) {
+        report(*problem);
+    } else if (file) {
+        stored->unsaved.clear();
+        isLatestSaved = true;
+    }
+    publish();
+}
+
+/// With the mutex held.
+void X11UserDefaults::load() {
+    if (file) {
+        auto content = file->read();
+        if (const auto* problem = std::get_if<std::string>(&content)) {
+            report(*problem);
+        } else {
+            stored->document = std::get<json>(std::move(content));
+            lastProblem.clear();
+        }
+    }
+    publish();
+}
+
+/// With the mutex held.
+void X11UserDefaults::publish() {
+    auto document = stored->document;
+    for (const auto& [key, value] : stored->unsaved) {
+        applyChange(document, key, value);
+    }
+    auto next = std::make_shared<Values>();
+    for (const auto& [key, value] : document.items()) {
+        if (auto property = fromJson(value)) {
+            next->emplace(key, std::move(*property));
+        }
+    }
+    values.store(std::move(next));
+}
+
+/// Once for as long as nothing changes: an editor may write a file several times.
+void X11UserDefaults::report(const std::string& problem) {
+    if (problem != lastProblem) {
+        lastProblem = problem;
+        complain(problem);
+    }
+}
+
+void X11UserDefaults::watchFile() {
+    if (!file) {
+        return;
+    }
+    watch = std::make_unique<FileWatch>(file->filePath(), [this] {
+        const std::lock_guard lock(mutex);
+        load();
+    });
+    const std::lock_guard lock(mutex);
+    load();
+}
+
+bool X11UserDefaults::isSaved() const {
+    const std::lock_guard lock(mutex);
+    return isLatestSaved;
+}
+
+} // namespace quillon::x11

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "Platform/InProcessNotificationCenter.h"
+#include "Platform/Platform.h"
+#include "Platform/X11/Accessibility.h"
+#include "Platform/X11/Application.h"
+#include "Platform/X11/ClientWindows.h"
+#include "Platform/X11/Clock.h"
+#include "Platform/X11/Connection.h"
+#include "Platform/X11/EventAccess.h"
+#include "Platform/X11/EventLoop.h"
+#include "Platform/X11/FileSystem.h"
+#include "Platform/X11/ProcessInfo.h"
+#include "Platform/X11/Scheduler.h"
+#include "Platform/X11/Screens.h"
+#include "Platform/X11/UserDefaults.h"
+#include "Platform/X11/WindowServer.h"
+#include "Platform/X11/Workspace.h"
+
+namespace quillon::x11 {
+
+class RemoteControl;
+
+/// The X11 platform: all ports on one connection. Needs a QCoreApplication, whose event loop serves it. Main thread.
+class X11Platform final : public Platform {
+public:
+    /// `remoteControl` carries the commands of scripts and must outlive the platform; null when there is none.
+    explicit X11Platform(std::unique_ptr<Connection> connection, RemoteControl* remoteControl = nullptr);
+    ~X11Platform() override;
+
+    X11Application* sharedApplication() override { return &applicationPort; }
+
+    Accessibility& accessibility() override { return accessibilityPort; }
+    Clock& clock() override { return clockPort; }
+    EventAccess& eventAccess() override { return eventAccessPort; }
+    FileSystem& fileSystem() override { return fileSystemPort; }
+    NotificationCenter& notificationCenter() override { return notificationCenterPort; }
+    Panels& panels() override { return *panelsPort; }
+    ProcessInfo& processInfo() override { return processInfoPort; }
+    Scheduler& scheduler() override { return schedulerPort; }
+    ScreenCapture& screenCapture() override { return *screenCapturePort; }
+    Screens& screens() override { return screensPort; }
+    UserDefaults& userDefaults() override { return userDefaultsPort; }
+    Views& views() override { return *viewsPort; }
+    WindowServer& windowServer() override { return windowServerPort; }
+    Workspace& workspace() override { return workspacePort; }
+
+    [[nodiscard]] Connection& xConnection() { return *connection; }
+
+private:
+    // In the order of their needs: each uses those above it only.
+    std::unique_ptr<Connection> connection;
+    X11Clock clockPort;
+    X11FileSystem fileSystemPort;
+    InProcessNotificationCenter notificationCenterPort;
+    X11ProcessInfo processInfoPort;
+    X11UserDefaults userDefaultsPort;
+    X11Scheduler schedulerPort;
+    EventLoop eventLoop;
+    X11EventAccess eventAccessPort;
+    ClientWindows clientWindows;
+    X11Accessibility accessibilityPort;
+    X11Screens screensPort;
+    X11WindowServer windowServerPort;
+    X11Workspace workspacePort;
+    X11Application applicationPort;
+    std::unique_ptr<Views> viewsPort;
+    std::unique_ptr<Panels> panelsPort;
+    std::unique_ptr<ScreenCapture> screenCapturePort;
+};
+
+} // namespace quillon::x11

@@ -1,0 +1,177 @@
+#include "CommandLine.h"
+#include "ExitStatus.h"
+#include "Platform/X11/RemoteControl.h"
+#include "Platform/X11/StandardError.h"
+#include "Platform/X11/UserDefaults.h"
+#include "Platform/X11/WindowTable.h"
+#include "Platform/X11/X11Platform.h"
+#include "PropertyText.h"
+#include "QuillonApp.h"
+
+#include <QCoreApplication>
+
+#include <fmt/format.h>
+
+#include <cerrno>
+#include <cstdlib>
+
+#include <fcntl.h>
+#include <signal.h>
+#include <unistd.h>
+
+namespace quillon::x11 {
+
+namespace {
+
+/// Standard streams that were closed before the start would be taken by the next files and sockets, and text for
+/// the user would end up in them.
+void openClosedStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) < 0 && errno == EBADF) {
+            // The lowest free number is the stream's.
+            [[maybe_unused]] const int opened = open("/dev/null", O_RDWR);
+        }
+    }
+}
+
+/// Writes the text on the standard output; whoever does not read it to the end does not want it.
+int show(std::string_view text) {
+    while (!text.empty()) {
+        const auto length = write(STDOUT_FILENO, text.data(), text.size());
+        if (length < 0 && errno == EINTR) {
+            continue;
+        }
+        if (length < 0) {
+            return ExitStatus::failure;
+        }
+        text.remove_prefix(static_cast<std::size_t>(length));
+    }
+    return ExitStatus::success;
+}
+
+int show(const ScriptReply& reply) {
+    if (reply.exitStatus == ExitStatus::success) {
+        return reply.text.empty() ? ExitStatus::success : show(reply.text + "\n");
+    }
+    complain(reply.text);
+    return reply.exitStatus;
+}
+
+/// The library's own messages are for its developers; only what stops the program is worth a line.
+void passOnFatalMessages(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text) {
+    if (type == QtFatalMsg) {
+        complain(text.toStdString());
+    }
+}
+
+/// Qt's core application with the event dispatcher that is not GLib's, which costs memory and time at every turn.
+std::unique_ptr<QCoreApplication> makeCoreApplication(int& argumentCount, char** arguments) {
+    qInstallMessageHandler(passOnFatalMessages);
+    qputenv("QT_NO_GLIB", "1");
+    return std::make_unique<QCoreApplication>(argumentCount, arguments);
+}
+
+class Program {
+public:
+    Program(int& argumentCount, char** arguments) : argumentCount(argumentCount), arguments(arguments) {}
+
+    int operator()(const CommandLine::Run&) const {
+        const auto application = makeCoreApplication(argumentCount, arguments);
+        RemoteControl remoteControl;
+        if (!remoteControl.hasBus()) {
+            complain("Nessun bus di sessione D-Bus: niente comandi e nessun controllo di altre istanze "
+                     "(dbus-run-session ne avvia uno)");
+            return runOnDisplay(nullptr);
+        }
+        // The program that holds the name may end between the two calls.
+        constexpr int mostAttempts = 5;
+        for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+            if (remoteControl.acquire()) {
+                return runOnDisplay(&remoteControl);
+            }
+            const auto reply = remoteControl.reopen();
+            if (reply.exitStatus != ExitStatus::notRunning) {
+                return show(reply);
+            }
+        }
+        complain("Impossibile registrare Quillon sul bus di sessione D-Bus");
+        return ExitStatus::failure;
+    }
+
+    int operator()(const CommandLine::ShowHelp&) const { return show(CommandLine::helpText()); }
+
+    int operator()(const CommandLine::ShowVersion&) const { return show("Quillon " QUILLON_VERSION "\n"); }
+
+    int operator()(const CommandLine::ListWindows&) const {
+        const auto application = makeCoreApplication(argumentCount, arguments);
+        return onDisplay(nullptr, [](X11Platform& platform) { return show(pinnableWindowsText(platform)); });
+    }
+
+    int operator()(const CommandLine::Script& request) const {
+        const auto application = makeCoreApplication(argumentCount, arguments);
+        return show(RemoteControl().perform(request.command));
+    }
+
+    int operator()(const CommandLine::ReadDefault& request) const {
+        const auto value = X11UserDefaults().object(request.key);
+        if (!value) {
+            complain(fmt::format("Nessun valore per «{}»", request.key));
+            return ExitStatus::failure;
+        }
+        return show(propertyText(*value) + "\n");
+    }
+
+    int operator()(const CommandLine::WriteDefault& request) const {
+        X11UserDefaults defaults;
+        defaults.set(request.key, parsePropertyText(request.value));
+        return defaults.isSaved() ? ExitStatus::success : ExitStatus::failure;
+    }
+
+    int operator()(const CommandLine::DeleteDefault& request) const {
+        X11UserDefaults defaults;
+        defaults.remove(request.key);
+        return defaults.isSaved() ? ExitStatus::success : ExitStatus::failure;
+    }
+
+    int operator()(const CommandLine::UsageError& error) const {
+        complain(error.text);
+        return ExitStatus::usage;
+    }
+
+private:
+    /// Installs the platform on the display that the environment names.
+    template <class Action>
+    static int onDisplay(RemoteControl* remoteControl, Action action) {
+        auto opened = Connection::open();
+        if (const auto* problem = std::get_if<std::string>(&opened)) {
+            complain(*problem);
+            return ExitStatus::noDisplay;
+        }
+        X11Platform platform(std::move(std::get<std::unique_ptr<Connection>>(opened)), remoteControl);
+        const PlatformScope scope(platform);
+        return action(platform);
+    }
+
+    static int runOnDisplay(RemoteControl* remoteControl) {
+        return onDisplay(remoteControl, [](X11Platform& platform) {
+            const int status = runQuillonApp();
+            return status != ExitStatus::success ? status : platform.sharedApplication()->exitStatus();
+        });
+    }
+
+    int& argumentCount;
+    char** arguments;
+};
+
+} // namespace
+
+} // namespace quillon::x11
+
+int main(int argumentCount, char** arguments) {
+    using namespace quillon;
+    x11::openClosedStandardStreams();
+    // A reader that has gone shows as a failed write.
+    signal(SIGPIPE, SIG_IGN);
+    const auto request = CommandLine::parse({arguments + std::min(argumentCount, 1), arguments + argumentCount});
+    return std::visit(x11::Program(argumentCount, arguments), request);
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "Platform/Geometry.h"
+#include "ProgrammingError.h"
+
+#import <Foundation/Foundation.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// Between the values of Foundation and those of the ports.
+namespace quillon::macos {
+
+/// UTF-8; what UTF-8 cannot express (half a surrogate pair) is replaced.
+inline std::string toString(NSString* _Nonnull text) {
+    NSData* const bytes = [text dataUsingEncoding:NSUTF8StringEncoding allowLossyConversion:YES];
+    return std::string(static_cast<const char*>(bytes.bytes), bytes.length);
+}
+
+inline std::optional<std::string> toOptionalString(NSString* _Nullable text) {
+    return text != nil ? std::optional(toString(text)) : std::nullopt;
+}
+
+/// Nil when the text is not valid UTF-8.
+inline NSString* _Nullable toNSStringIfValid(std::string_view text) {
+    return [[NSString alloc] initWithBytes:text.data() length:text.size() encoding:NSUTF8StringEncoding];
+}
+
+/// For the program's own texts, which are valid UTF-8.
+inline NSString* _Nonnull toNSString(std::string_view text) {
+    NSString* const result = toNSStringIfValid(text);
+    if (result == nil) {
+        programmingError("a text of the program is not valid UTF-8");
+    }
+    return result;
+}
+
+template <class Space>
+NSPoint toNSPoint(const PointIn<Space>& point) {
+    return NSMakePoint(point.x, point.y);
+}
+
+template <class Space>
+NSRect toNSRect(const RectIn<Space>& rect) {
+    return NSMakeRect(rect.origin.x, rect.origin.y, rect.size.width, rect.size.height);
+}
+
+template <class Space>
+RectIn<Space> toRect(const NSRect& rect) {
+    return {{rect.origin.x, rect.origin.y}, {rect.size.width, rect.size.height}};
+}
+
+} // namespace quillon::macos

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace quillon {
+
+/// The text when it has at most `limit` user-perceived characters (extended grapheme clusters), else its
+/// first `limit` of them and "…". Bytes that are not UTF-8 count as one character each.
+[[nodiscard]] std::string cutToCharacters(std::string_view text, std::size_t limit);
+
+/// True when the text is well-formed UTF-8.
+[[nodiscard]] bool isValidUTF8(std::string_view text);
+
+/// The shortest decimal text that reads back as the number, with ".0" when it is whole: 30.0, 0.05.
+[[nodiscard]] std::string describe(double number);
+
+/// "true" or "false".
+[[nodiscard]] std::string_view describe(bool truth);
+
+} // namespace quillon

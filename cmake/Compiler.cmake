@@ -1,0 +1,24 @@
+# Warnings, sanitizers, coverage and the compiler cache, for every target of the project.
+
+add_library(quillon_compiler INTERFACE)
+target_compile_options(quillon_compiler INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror
+    # Clang's -Wshadow has no such level: it would also object to a local variable named like a member.
+    $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local>)
+
+if(QUILLON_SANITIZE)
+    target_compile_options(quillon_compiler INTERFACE
+        -fsanitize=${QUILLON_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(quillon_compiler INTERFACE -fsanitize=${QUILLON_SANITIZE})
+endif()
+
+if(QUILLON_COVERAGE)
+    target_compile_options(quillon_compiler INTERFACE --coverage -O0 -fno-inline)
+    target_link_options(quillon_compiler INTERFACE --coverage)
+endif()
+
+find_program(QUILLON_CCACHE ccache DOC "Compiler cache; used when it is installed")
+if(QUILLON_CCACHE)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${QUILLON_CCACHE})
+    set(CMAKE_OBJCXX_COMPILER_LAUNCHER ${QUILLON_CCACHE})
+endif()

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "Platform/Geometry.h"
+#include "Platform/Platform.h"
+#include "Platform/Scheduler.h"
+#include "Platform/WindowServer.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace quillon::contract {
+
+/// A window that belongs to another process than the one under test.
+struct OtherWindow {
+    WindowID windowID = 0;
+    ProcessID pid = 0;
+};
+
+/// A desktop on which a platform is put to the test: the platform itself and what other programs and the user do
+/// beside it. Every action is complete, as far as the desktop is concerned, when it returns; what the platform
+/// makes of it is awaited with `runUntil`. One is made for each test.
+class World {
+public:
+    World() = default;
+    World(const World&) = delete;
+    World& operator=(const World&) = delete;
+    virtual ~World() = default;
+
+    [[nodiscard]] virtual Platform& platform() = 0;
+
+    /// Serves the platform's events until the condition holds or the bound has passed; the condition's last value.
+    virtual bool runUntil(const std::function<bool()>& condition, Seconds bound) = 0;
+
+    /// Starts a program with one ordinary window; `bounds` is where its content goes.
+    virtual OtherWindow openWindow(const std::string& title, const DisplayRect& bounds) = 0;
+    /// A further window of a program that `openWindow` started.
+    virtual OtherWindow openSecondWindow(const OtherWindow& first, const std::string& title,
+                                         const DisplayRect& bounds) = 0;
+    /// The user switches to the window.
+    virtual void activate(const OtherWindow& window) = 0;
+    virtual void move(const OtherWindow& window, const DisplayRect& bounds) = 0;
+    virtual void minimise(const OtherWindow& window) = 0;
+    /// The program draws something new in the window.
+    virtual void draw(const OtherWindow& window) = 0;
+    virtual void close(const OtherWindow& window) = 0;
+    /// The program ends without a farewell.
+    virtual void kill(const OtherWindow& window) = 0;
+    /// The user presses and releases the left button at a point of the panels' coordinates.
+    virtual void click(const ScreenPoint& point) = 0;
+    /// Changes the number or the size of the screens.
+    virtual void changeScreens() = 0;
+
+    /// What a file holds, and its permission bits; none when there is no such file. Directories have bits only.
+    virtual std::optional<std::string> fileContent(const std::string& path) = 0;
+    virtual std::optional<unsigned> permissions(const std::string& path) = 0;
+    virtual void makeSymbolicLink(const std::string& target, const std::string& path) = 0;
+};
+
+/// The world of the platform that the suite was built for.
+std::unique_ptr<World> makeWorld();
+
+} // namespace quillon::contract

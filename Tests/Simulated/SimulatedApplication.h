@@ -1,0 +1,37 @@
+#pragma once
+
+#include "Platform/Application.h"
+#include "Simulated/SimulatedScheduler.h"
+
+#include <functional>
+
+namespace quillon::simulated {
+
+/// The application object. `run` launches the delegate, does what the test has planned for the time in which the
+/// application runs, and terminates.
+class SimulatedApplication final : public Application {
+public:
+    SimulatedApplication(SimulatedScheduler& scheduler, Journal& journal) : scheduler(scheduler), journal(journal) {}
+
+    void setDelegate(std::weak_ptr<ApplicationDelegate> newDelegate) override;
+    void setActivationPolicy(ActivationPolicy policy) override;
+    void run() override;
+    void terminate() override;
+
+    /// What happens while the application runs; it has to lead to `terminate`.
+    void whileRunning(std::function<void()> events) { planned = std::move(events); }
+    [[nodiscard]] std::shared_ptr<ApplicationDelegate> delegate() const { return currentDelegate.lock(); }
+
+private:
+    /// Stops the test when the delegate is gone.
+    [[nodiscard]] std::shared_ptr<ApplicationDelegate> requireDelegate() const;
+
+    SimulatedScheduler& scheduler;
+    Journal& journal;
+    std::weak_ptr<ApplicationDelegate> currentDelegate;
+    std::function<void()> planned = [] {};
+    bool wasRun = false;
+    bool isTerminating = false;
+};
+
+} // namespace quillon::simulated

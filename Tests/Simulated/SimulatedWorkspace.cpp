@@ -1,0 +1,46 @@
+#include "Simulated/SimulatedWorkspace.h"
+
+namespace quillon::simulated {
+
+SimulatedWorkspace::SimulatedWorkspace(const DesktopModel& model, SimulatedScheduler& scheduler, Journal& journal)
+    : model(model), scheduler(scheduler), journal(journal), activations([this] {
+          this->scheduler.requireMain("ending an observation of activations");
+          this->journal.record("workspace.endObservingActivations");
+      }),
+      terminations([this] {
+          this->scheduler.requireMain("ending an observation of terminations");
+          this->journal.record("workspace.endObservingTerminations");
+      }) {}
+
+std::optional<RunningApplication> SimulatedWorkspace::frontmostApplication() const {
+    scheduler.requireMain("Workspace::frontmostApplication");
+    return model.frontmost ? runningApplication(*model.frontmost) : std::nullopt;
+}
+
+std::optional<RunningApplication> SimulatedWorkspace::runningApplication(ProcessID pid) const {
+    scheduler.requireMain("Workspace::runningApplication");
+    const auto* found = model.findApplication(pid);
+    return found == nullptr ? std::nullopt : std::optional(found->identity);
+}
+
+RegistrationToken SimulatedWorkspace::observeDidActivateApplication(ApplicationCallback callback) {
+    scheduler.requireMain("Workspace::observeDidActivateApplication");
+    journal.record("workspace.observeDidActivateApplication");
+    return activations.add(std::move(callback));
+}
+
+RegistrationToken SimulatedWorkspace::observeDidTerminateApplication(ApplicationCallback callback) {
+    scheduler.requireMain("Workspace::observeDidTerminateApplication");
+    journal.record("workspace.observeDidTerminateApplication");
+    return terminations.add(std::move(callback));
+}
+
+void SimulatedWorkspace::announceActivation(std::optional<RunningApplication> application) {
+    scheduler.mainAsync([this, application = std::move(application)] { activations.notify(application); });
+}
+
+void SimulatedWorkspace::announceTermination(std::optional<RunningApplication> application) {
+    scheduler.mainAsync([this, application = std::move(application)] { terminations.notify(application); });
+}
+
+} // namespace quillon::simulated

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "Platform/Workspace.h"
+#include "Simulated/DesktopModel.h"
+#include "Simulated/Observers.h"
+#include "Simulated/SimulatedScheduler.h"
+
+namespace quillon::simulated {
+
+/// The model's applications. Announcements arrive as tasks of the main queue.
+class SimulatedWorkspace final : public Workspace {
+public:
+    SimulatedWorkspace(const DesktopModel& model, SimulatedScheduler& scheduler, Journal& journal);
+
+    [[nodiscard]] std::optional<RunningApplication> frontmostApplication() const override;
+    [[nodiscard]] std::optional<RunningApplication> runningApplication(ProcessID pid) const override;
+    [[nodiscard]] RegistrationToken observeDidActivateApplication(ApplicationCallback callback) override;
+    [[nodiscard]] RegistrationToken observeDidTerminateApplication(ApplicationCallback callback) override;
+
+    /// None stands for a notification that carries no application.
+    void announceActivation(std::optional<RunningApplication> application);
+    void announceTermination(std::optional<RunningApplication> application);
+    /// Registrations of both kinds that are in force.
+    [[nodiscard]] std::size_t observers() const { return activations.count() + terminations.count(); }
+
+private:
+    using ApplicationObservers = Observers<const std::optional<RunningApplication>&>;
+
+    const DesktopModel& model;
+    SimulatedScheduler& scheduler;
+    Journal& journal;
+    ApplicationObservers activations;
+    ApplicationObservers terminations;
+};
+
+} // namespace quillon::simulated

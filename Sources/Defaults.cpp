@@ -2,8 +2,9 @@
 
 #include "Platform/Platform.h"
 #include "Platform/UserDefaults.h"
+#include "Text.h"
 
-#include <charconv>
+#include <algorithm>
 #include <string>
 
 namespace quillon::Defaults {
@@ -27,13 +28,8 @@ bool boolValue(std::string_view text) {
 }
 
 double doubleValue(std::string_view text) {
-    text = withoutLeadingBlanks(text);
-    if (text.starts_with('+')) {
-        text.remove_prefix(1);
-    }
-    double value = 0;
-    std::from_chars(text.data(), text.data() + text.size(), value);
-    return value;
+    const auto number = readLeadingNumber(withoutLeadingBlanks(text));
+    return number ? number->value : 0;
 }
 
 struct AsBool {

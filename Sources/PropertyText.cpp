@@ -12,10 +12,8 @@ namespace quillon {
 
 namespace {
 
-/// The number that the whole text is.
-template <class Number>
-std::optional<Number> wholeNumber(std::string_view text) {
-    Number value{};
+std::optional<std::int64_t> wholeInteger(std::string_view text) {
+    std::int64_t value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (error != std::errc() || end != text.data() + text.size()) {
         return std::nullopt;
@@ -37,11 +35,12 @@ PropertyValue parsePropertyText(std::string_view text) {
     if (text == "true" || text == "false") {
         return text == "true";
     }
-    if (const auto integer = wholeNumber<std::int64_t>(text)) {
+    if (const auto integer = wholeInteger(text)) {
         return *integer;
     }
-    if (const auto number = wholeNumber<double>(text); number && std::isfinite(*number)) {
-        return *number;
+    if (const auto number = readLeadingNumber(text);
+        number && number->length == text.size() && std::isfinite(number->value)) {
+        return number->value;
     }
     if (text.size() >= 2 && text.front() == '"' && text.back() == '"') {
         text = text.substr(1, text.size() - 2);

@@ -3,6 +3,12 @@
 #include <fmt/format.h>
 #include <utf8proc.h>
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <locale>
+#include <sstream>
+
 namespace quillon {
 
 namespace {
@@ -17,6 +23,35 @@ std::size_t readCodePoint(std::string_view text, utf8proc_int32_t& codepoint) {
         return 1;
     }
     return static_cast<std::size_t>(length);
+}
+
+std::size_t countDigits(std::string_view text) {
+    return std::min(text.find_first_not_of("0123456789"), text.size());
+}
+
+std::size_t countSign(std::string_view text) {
+    return text.starts_with('+') || text.starts_with('-') ? 1 : 0;
+}
+
+/// The length of the number at the start of the text; 0 when there is none.
+std::size_t numberLength(std::string_view text) {
+    auto length = countSign(text);
+    auto digits = countDigits(text.substr(length));
+    length += digits;
+    if (text.substr(length).starts_with('.')) {
+        const auto decimals = countDigits(text.substr(length + 1));
+        length += 1 + decimals;
+        digits += decimals;
+    }
+    if (digits == 0) {
+        return 0;
+    }
+    if (const auto rest = text.substr(length); rest.starts_with('e') || rest.starts_with('E')) {
+        const auto sign = countSign(rest.substr(1));
+        const auto exponent = countDigits(rest.substr(1 + sign));
+        length += exponent == 0 ? 0 : 1 + sign + exponent;
+    }
+    return length;
 }
 
 } // namespace
@@ -52,6 +87,22 @@ bool isValidUTF8(std::string_view text) {
         text.remove_prefix(length);
     }
     return true;
+}
+
+std::optional<LeadingNumber> readLeadingNumber(std::string_view text) {
+    const auto length = numberLength(text);
+    if (length == 0) {
+        return std::nullopt;
+    }
+    std::istringstream stream{std::string(text.substr(0, length))};
+    stream.imbue(std::locale::classic());
+    LeadingNumber number{0, length};
+    stream >> number.value;
+    if (std::abs(number.value) == std::numeric_limits<double>::max()) {
+        // The stream's way to say that the number is out of range.
+        number.value = std::copysign(std::numeric_limits<double>::infinity(), number.value);
+    }
+    return number;
 }
 
 std::string describe(double number) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -12,6 +13,16 @@ namespace quillon {
 
 /// True when the text is well-formed UTF-8.
 [[nodiscard]] bool isValidUTF8(std::string_view text);
+
+/// A decimal number at the start of a text and how many bytes it takes.
+struct LeadingNumber {
+    double value = 0;
+    std::size_t length = 0;
+};
+
+/// None when the text does not start with a number: a sign, digits with a point among them, an exponent. A
+/// number too large for a double is infinite. Independent of the locale.
+[[nodiscard]] std::optional<LeadingNumber> readLeadingNumber(std::string_view text);
 
 /// The shortest decimal text that reads back as the number, with ".0" when it is whole: 30.0, 0.05.
 [[nodiscard]] std::string describe(double number);

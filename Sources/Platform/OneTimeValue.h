@@ -1,17 +1,17 @@
 #pragma once
 
-#include <memory>
 #include <mutex>
+#include <optional>
 #include <utility>
 #include <vector>
 
 namespace quillon {
 
 /// A value that is made once, on first use, and kept for the rest of the run. It belongs to the platform in
-/// use, so installing another one drops it.
+/// use, so installing another one drops it. Only for objects of static storage duration: what is left at the
+/// end of the process is not destroyed, since other threads may still be using it then.
 class OneTimeValueBase {
 public:
-    OneTimeValueBase() { all().push_back(this); }
     OneTimeValueBase(const OneTimeValueBase&) = delete;
     OneTimeValueBase& operator=(const OneTimeValueBase&) = delete;
 
@@ -23,35 +23,40 @@ public:
     }
 
 protected:
-    ~OneTimeValueBase() { std::erase(all(), this); }
+    OneTimeValueBase() { all().push_back(this); }
+    ~OneTimeValueBase() = default;
 
 private:
     virtual void reset() = 0;
 
     static std::vector<OneTimeValueBase*>& all() {
-        static std::vector<OneTimeValueBase*> values;
-        return values;
+        static auto* const values = new std::vector<OneTimeValueBase*>();
+        return *values;
     }
 };
 
-/// Meant for objects of static storage duration. `get` may be called from any thread.
+/// `get` may be called from any thread.
 template <class T>
 class OneTimeValue final : public OneTimeValueBase {
 public:
     template <class Make>
     T& get(Make&& make) {
-        std::call_once(*once, [&] { value = std::make_unique<T>(std::forward<Make>(make)()); });
-        return *value;
+        std::call_once(slot->once, [&] { slot->value.emplace(std::forward<Make>(make)()); });
+        return *slot->value;
     }
 
 private:
+    struct Slot {
+        std::once_flag once;
+        std::optional<T> value;
+    };
+
     void reset() override {
-        value.reset();
-        once = std::make_unique<std::once_flag>();
+        delete slot;
+        slot = new Slot();
     }
 
-    std::unique_ptr<std::once_flag> once = std::make_unique<std::once_flag>();
-    std::unique_ptr<T> value;
+    Slot* slot = new Slot();
 };
 
 } // namespace quillon

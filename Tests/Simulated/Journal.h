@@ -17,7 +17,9 @@ public:
         entries.push_back(fmt::format(format, std::forward<Arguments>(arguments)...));
     }
 
-    /// What was recorded since the last `take`.
+    void clear() { entries.clear(); }
+
+    /// What was recorded since the last `take` or `clear`.
     [[nodiscard]] std::vector<std::string> take() { return std::exchange(entries, {}); }
 
     /// The same, only the entries that start with one of the prefixes.

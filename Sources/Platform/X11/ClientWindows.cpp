@@ -6,6 +6,7 @@
 #include <xcb/res.h>
 
 #include <algorithm>
+#include <array>
 #include <fstream>
 #include <iterator>
 
@@ -28,8 +29,10 @@ constexpr std::uint32_t allDesktops = 0xffffffff;
 
 const std::string& hostName() {
     static const std::string name = [] {
-        std::string buffer(256, '\0');
-        return gethostname(buffer.data(), buffer.size() - 1) == 0 ? std::string(buffer.c_str()) : std::string();
+        // The last byte stays 0, whatever the system does with a longer name.
+        std::array<char, 256> buffer{};
+        gethostname(buffer.data(), buffer.size() - 1);
+        return std::string(buffer.data());
     }();
     return name;
 }

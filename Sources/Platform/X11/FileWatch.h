@@ -2,6 +2,7 @@
 
 #include <QFileSystemWatcher>
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 #include <string>
@@ -15,7 +16,9 @@ public:
     FileWatch(const std::string& path, std::function<void()> changed);
 
 private:
+    [[nodiscard]] QStringList existingPaths() const;
     void watchWhatExists();
+    void watchOnly(const QStringList& wanted);
 
     QString path;
     QFileSystemWatcher watcher;

@@ -32,10 +32,16 @@ constexpr std::uint32_t motifFunctions = 1;
 constexpr std::uint32_t motifDecorations = 2;
 constexpr std::uint32_t motifMove = 4;
 
+/// The window state that stands for a level other than the normal one.
+std::string_view levelState(int level) {
+    return level > normalWindowLevel ? "_NET_WM_STATE_ABOVE" : "_NET_WM_STATE_BELOW";
+}
+
 } // namespace
 
-PanelWindow::PanelWindow(Connection& connection, const PixelRect& rect, std::uint8_t depth, xcb_visualid_t visual)
-    : connection(connection), window(xcb_generate_id(connection.xcb())), windowDepth(depth), windowVisual(visual),
+PanelWindow::PanelWindow(Connection& connection, const PixelRect& rect, std::uint8_t depth, xcb_visualid_t visual,
+                         bool isManaged)
+    : connection(connection), window(xcb_generate_id(connection.xcb())), windowDepth(depth), managed(isManaged),
       colormap(connection) {
     auto* const xcb = connection.xcb();
     xcb_create_colormap(xcb, XCB_COLORMAP_ALLOC_NONE, colormap.id(), connection.root(), visual);
@@ -44,12 +50,14 @@ PanelWindow::PanelWindow(Connection& connection, const PixelRect& rect, std::uin
     values.background_pixmap = XCB_BACK_PIXMAP_NONE;
     values.border_pixel = 0;
     values.bit_gravity = XCB_GRAVITY_NORTH_WEST;
+    values.override_redirect = managed ? 0 : 1;
     values.colormap = colormap.id();
-    xcb_create_window_aux(xcb, depth, window, connection.root(), static_cast<std::int16_t>(rect.x),
-                          static_cast<std::int16_t>(rect.y), static_cast<std::uint16_t>(std::max(rect.width, 1)),
-                          static_cast<std::uint16_t>(std::max(rect.height, 1)), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
-                          visual, XCB_CW_BACK_PIXMAP | XCB_CW_BORDER_PIXEL | XCB_CW_BIT_GRAVITY | XCB_CW_COLORMAP,
-                          &values);
+    xcb_create_window_aux(
+        xcb, depth, window, connection.root(), static_cast<std::int16_t>(rect.x), static_cast<std::int16_t>(rect.y),
+        static_cast<std::uint16_t>(std::max(rect.width, 1)), static_cast<std::uint16_t>(std::max(rect.height, 1)), 0,
+        XCB_WINDOW_CLASS_INPUT_OUTPUT, visual,
+        XCB_CW_BACK_PIXMAP | XCB_CW_BORDER_PIXEL | XCB_CW_BIT_GRAVITY | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_COLORMAP,
+        &values);
     describe();
 }
 
@@ -111,10 +119,8 @@ void PanelWindow::unmap() {
 void PanelWindow::writeStacking(const PanelStacking& stacking) {
     std::vector<std::uint32_t> states{connection.atom("_NET_WM_STATE_SKIP_TASKBAR"),
                                       connection.atom("_NET_WM_STATE_SKIP_PAGER")};
-    if (stacking.level > normalWindowLevel) {
-        states.push_back(connection.atom("_NET_WM_STATE_ABOVE"));
-    } else if (stacking.level < normalWindowLevel) {
-        states.push_back(connection.atom("_NET_WM_STATE_BELOW"));
+    if (stacking.level != normalWindowLevel) {
+        states.push_back(connection.atom(levelState(stacking.level)));
     }
     auto* const xcb = connection.xcb();
     if (stacking.onAllDesktops) {
@@ -128,9 +134,17 @@ void PanelWindow::writeStacking(const PanelStacking& stacking) {
 }
 
 void PanelWindow::changeStacking(const PanelStacking& from, const PanelStacking& to) {
+    if (!managed) {
+        return;
+    }
     if (from.level != to.level) {
-        changeState(to.level > normalWindowLevel, "_NET_WM_STATE_ABOVE");
-        changeState(to.level < normalWindowLevel, "_NET_WM_STATE_BELOW");
+        // The old state goes first: some window managers return to the normal layer when either one goes.
+        if (from.level != normalWindowLevel) {
+            changeState(false, levelState(from.level));
+        }
+        if (to.level != normalWindowLevel) {
+            changeState(true, levelState(to.level));
+        }
     }
     if (from.onAllDesktops != to.onAllDesktops) {
         changeState(to.onAllDesktops, "_NET_WM_STATE_STICKY");

@@ -22,14 +22,16 @@ struct PanelStacking {
 /// takes the focus. Destroying it removes it from the screen. Main thread.
 class PanelWindow {
 public:
-    PanelWindow(Connection& connection, const PixelRect& rect, std::uint8_t depth, xcb_visualid_t visual);
+    /// An unmanaged window is none of the window manager's business: it lies over everything, on every desktop.
+    PanelWindow(Connection& connection, const PixelRect& rect, std::uint8_t depth, xcb_visualid_t visual,
+                bool isManaged);
     PanelWindow(const PanelWindow&) = delete;
     PanelWindow& operator=(const PanelWindow&) = delete;
     ~PanelWindow();
 
     [[nodiscard]] xcb_window_t id() const { return window; }
     [[nodiscard]] std::uint8_t depth() const { return windowDepth; }
-    [[nodiscard]] xcb_visualid_t visual() const { return windowVisual; }
+    [[nodiscard]] bool isManaged() const { return managed; }
 
     void move(const PixelRect& rect);
     void map(const PanelStacking& stacking);
@@ -52,7 +54,7 @@ private:
     Connection& connection;
     xcb_window_t window;
     std::uint8_t windowDepth;
-    xcb_visualid_t windowVisual;
+    bool managed;
     Colormap colormap;
 };
 

@@ -16,11 +16,14 @@ constexpr Seconds fadeStep{1.0 / 60};
 } // namespace
 
 X11Panel::X11Panel(Connection& connection, Scheduler& scheduler, Screens& screens,
-                   std::shared_ptr<const PictureFormats> formats, const ScreenRect& frame, PanelDelegate& delegate)
-    : connection(connection), scheduler(scheduler), screens(screens), formats(std::move(formats)), delegate(delegate),
-      requestedFrame(frame), input(
-                                 scheduler, connection.scale(), [this] { return pixelFrame(); },
-                                 [this](const PanelEvent& event) { this->delegate.sendEvent(event); }) {}
+                   std::shared_ptr<const PictureFormats> formats, std::shared_ptr<FullScreenWatch> fullScreen,
+                   const ScreenRect& frame, PanelDelegate& delegate)
+    : connection(connection), scheduler(scheduler), screens(screens), formats(std::move(formats)),
+      fullScreen(std::move(fullScreen)), delegate(delegate), requestedFrame(frame),
+      input(
+          scheduler, connection.scale(), [this] { return pixelFrame(); },
+          [this](const PanelEvent& event) { this->delegate.sendEvent(event); }),
+      fullScreenChanges(this->fullScreen->observe([this] { followFullScreen(); })) {}
 
 X11Panel::~X11Panel() {
     removeWindow();
@@ -48,6 +51,7 @@ void X11Panel::setLevel(int level) {
 }
 
 void X11Panel::setCollectionBehavior(CollectionBehavior behavior) {
+    isFullScreenAuxiliary = behavior.fullScreenAuxiliary;
     auto changed = stacking;
     changed.onAllDesktops = behavior.canJoinAllSpaces;
     changeStacking(changed);
@@ -57,6 +61,19 @@ void X11Panel::changeStacking(const PanelStacking& newStacking) {
     const auto before = std::exchange(stacking, newStacking);
     if (isOrderedIn) {
         window->changeStacking(before, stacking);
+        followFullScreen();
+    }
+}
+
+bool X11Panel::liesOverFullScreen() const {
+    return isFullScreenAuxiliary && stacking.level > normalWindowLevel && fullScreen->isActiveWindowFullScreen();
+}
+
+/// A window cannot change hands without a race with the window manager: another one takes its place.
+void X11Panel::followFullScreen() {
+    if (isOrderedIn && window->isManaged() == liesOverFullScreen()) {
+        makeWindow();
+        window->map(stacking);
     }
 }
 
@@ -98,7 +115,7 @@ void X11Panel::order(xcb_stack_mode_t mode) {
     isOrderedIn = true;
 }
 
-/// Makes the window, unless there is one of the depth that the contents have by now.
+/// Makes the window, unless there is one of the right kind and of the depth that the contents have by now.
 void X11Panel::makeWindow() {
     const auto contents = contentView != nullptr ? contentView->contentsGeometry() : std::nullopt;
     auto depth = contents ? contents->depth : connection.screen().root_depth;
@@ -107,11 +124,12 @@ void X11Panel::makeWindow() {
         depth = connection.screen().root_depth;
         visual = connection.screen().root_visual;
     }
-    if (window && window->depth() == depth) {
+    const bool isManaged = !liesOverFullScreen();
+    if (window && window->depth() == depth && window->isManaged() == isManaged) {
         return;
     }
     removeWindow();
-    window.emplace(connection, pixelFrame(), depth, *visual);
+    window.emplace(connection, pixelFrame(), depth, *visual, isManaged);
     window->setOpacity(alpha);
     events = connection.observeWindow(window->id(), [this](const auto& event) { handle(event); });
     selection = connection.selectInput(window->id(), XCB_EVENT_MASK_EXPOSURE | PanelInput::eventMask);
@@ -181,7 +199,10 @@ std::unique_ptr<Panel> X11Panels::makePanel(const ScreenRect& contentRect, Panel
     if (!formats) {
         formats = std::make_shared<PictureFormats>(connection);
     }
-    return std::make_unique<X11Panel>(connection, scheduler, screens, formats, contentRect, delegate);
+    if (!fullScreen) {
+        fullScreen = std::make_shared<FullScreenWatch>(connection);
+    }
+    return std::make_unique<X11Panel>(connection, scheduler, screens, formats, fullScreen, contentRect, delegate);
 }
 
 std::unique_ptr<Panels> makePanels(Connection& connection, Scheduler& scheduler, Screens& screens) {

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "HeldWeakly.h"
 #include "Platform/Panel.h"
 #include "Platform/Screens.h"
 #include "Platform/X11/Connection.h"
+#include "Platform/X11/FullScreenWatch.h"
 #include "Platform/X11/PanelInput.h"
 #include "Platform/X11/PanelWindow.h"
 #include "Platform/X11/PictureFormats.h"
@@ -18,13 +18,15 @@ namespace quillon::x11 {
 
 /// A panel. Its X window is made when it is first shown, of the depth that its contents have, so that they can be
 /// copied pixel by pixel, transparency included. The panel's frame is the one that was asked for last: the window
-/// manager is told, not asked. Main thread.
-class X11Panel final : public Panel, private HeldWeakly<X11Panel> {
-    friend HeldWeakly<X11Panel>;
-
+/// manager is told, not asked.
+///
+/// Window managers keep managed windows beneath an active full-screen window. While there is one, a panel that may
+/// lie over it has an unmanaged window instead. Main thread.
+class X11Panel final : public Panel {
 public:
     X11Panel(Connection& connection, Scheduler& scheduler, Screens& screens,
-             std::shared_ptr<const PictureFormats> formats, const ScreenRect& frame, PanelDelegate& delegate);
+             std::shared_ptr<const PictureFormats> formats, std::shared_ptr<FullScreenWatch> fullScreen,
+             const ScreenRect& frame, PanelDelegate& delegate);
     ~X11Panel() override;
 
     ScreenRect frame() const override { return requestedFrame; }
@@ -46,6 +48,8 @@ private:
     void makeWindow();
     void removeWindow();
     void changeStacking(const PanelStacking& newStacking);
+    [[nodiscard]] bool liesOverFullScreen() const;
+    void followFullScreen();
     void applyAlpha(double newAlpha);
     void handle(const xcb_generic_event_t& event);
     [[nodiscard]] PixelRect pixelFrame() const;
@@ -54,9 +58,11 @@ private:
     Scheduler& scheduler;
     Screens& screens;
     std::shared_ptr<const PictureFormats> formats;
+    std::shared_ptr<FullScreenWatch> fullScreen;
     PanelDelegate& delegate;
     ScreenRect requestedFrame;
     PanelStacking stacking;
+    bool isFullScreenAuxiliary = false;
     double alpha = 1;
     bool isOrderedIn = false;
     X11View* contentView = nullptr;
@@ -68,6 +74,7 @@ private:
     RegistrationToken events;
     RegistrationToken selection;
     RegistrationToken fade;
+    RegistrationToken fullScreenChanges;
 };
 
 class X11Panels final : public Panels {
@@ -81,8 +88,9 @@ private:
     Connection& connection;
     Scheduler& scheduler;
     Screens& screens;
-    /// Made with the first panel.
+    // Made with the first panel.
     std::shared_ptr<const PictureFormats> formats;
+    std::shared_ptr<FullScreenWatch> fullScreen;
 };
 
 } // namespace quillon::x11

@@ -57,11 +57,13 @@ PictureScaler::Axis::Range PictureScaler::Axis::lastLevel(Range range) const {
 PictureScaler::Axis::Range PictureScaler::Axis::atLevel(Range lastLevel, int level) const {
     // An axis with fewer halvings than the other has them in the first levels.
     const int left = halvings - std::min(level, halvings);
-    return {lastLevel.from << left, std::min(lastLevel.to << left, sizeAt(level))};
+    // The last pixel may reach over the edge, where the source's is repeated.
+    return {lastLevel.from << left, lastLevel.to << left};
 }
 
 PictureScaler::Axis::Range PictureScaler::Axis::reach(Range range) const {
-    const int padding = 1 << halvings;
+    // One pixel of the last level and a half, on either side: the filter reads the nearest two.
+    const int padding = (3 << halvings) / 2;
     const double factor = static_cast<double>(target) / source;
     const int from = static_cast<int>(std::floor((range.from - padding) * factor));
     const int to = static_cast<int>(std::ceil((range.to + padding) * factor));
@@ -113,18 +115,17 @@ void PictureScaler::draw(const PixelRect& area, xcb_render_picture_t target, int
                   area.width, area.height);
         return;
     }
-    const int rows = rowsPerStrip(area);
+    const int rows = rowsPerStrip();
     for (int y = area.y; y < area.y + area.height; y += rows) {
         const int height = std::min(rows, area.y + area.height - y);
         drawStrip({area.x, y, area.width, height}, target, originX, originY);
     }
 }
 
-/// Rows of the target whose first halving fits into the memory that strips may take.
-int PictureScaler::rowsPerStrip(const PixelRect& area) const {
-    const auto x = horizontal.atLevel(horizontal.lastLevel({area.x, area.x + area.width}), 1);
+/// Rows of the target whose first halving fits into the memory that strips may take, whatever part of them is drawn.
+int PictureScaler::rowsPerStrip() const {
     const int allowedPixels = horizontal.source * vertical.source / stripPart;
-    const int levelRows = allowedPixels / std::max(x.to - x.from, 1);
+    const int levelRows = allowedPixels / horizontal.sizeAt(1);
     const int left = vertical.halvings - std::min(1, vertical.halvings);
     // Two rows of the last level are the filter's margin.
     const double lastRows = static_cast<double>(levelRows >> left) - 2;

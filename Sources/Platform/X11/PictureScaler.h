@@ -58,7 +58,7 @@ private:
     };
 
     [[nodiscard]] int levels() const { return std::max(horizontal.halvings, vertical.halvings); }
-    [[nodiscard]] int rowsPerStrip(const PixelRect& area) const;
+    [[nodiscard]] int rowsPerStrip() const;
     void drawStrip(const PixelRect& area, xcb_render_picture_t target, int originX, int originY);
     void makeRoom(Strip& strip, int width, int height);
     void setTransform(xcb_render_picture_t from, double stepX, double stepY, double offsetX, double offsetY) const;

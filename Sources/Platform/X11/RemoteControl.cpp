@@ -6,6 +6,7 @@
 #include <QDBusConnectionInterface>
 #include <QDBusError>
 #include <QDBusMessage>
+#include <QDBusReply>
 
 namespace quillon::x11 {
 
@@ -84,6 +85,14 @@ ScriptReply RemoteControl::perform(const ScriptCommand& command) const {
 
 ScriptReply RemoteControl::reopen() const {
     return call("Reopen", {});
+}
+
+std::optional<ProcessID> RemoteControl::runningProcess() const {
+    if (!hasBus()) {
+        return std::nullopt;
+    }
+    const QDBusReply<uint> reply = bus.interface()->servicePid(programIdentifier);
+    return reply.isValid() ? std::optional(static_cast<ProcessID>(reply.value())) : std::nullopt;
 }
 
 ScriptReply RemoteControl::call(const QString& method, const QVariantList& arguments) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Application.h"
+#include "Platform/ProcessInfo.h"
 
 #include <QDBusConnection>
 #include <QObject>
@@ -45,12 +46,14 @@ public:
     /// The object that other processes call.
     [[nodiscard]] RemoteService& service() { return object; }
 
-    // For the other processes. Both wait for the answer, a few seconds at most.
+    // For the other processes. They wait for the answer, a few seconds at most.
 
     /// The answer of the running program, or a reply with the status and the text of what stood in the way.
     [[nodiscard]] ScriptReply perform(const ScriptCommand& command) const;
     /// Reopens the running program. `ExitStatus::notRunning` when there is none.
     [[nodiscard]] ScriptReply reopen() const;
+    /// The process of the running program; none when there is none or no bus tells it.
+    [[nodiscard]] std::optional<ProcessID> runningProcess() const;
 
 private:
     [[nodiscard]] ScriptReply call(const QString& method, const QVariantList& arguments) const;

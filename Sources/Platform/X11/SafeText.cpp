@@ -15,6 +15,13 @@ bool isLineBreakOrControl(utf8proc_int32_t codepoint) {
     return category == UTF8PROC_CATEGORY_CC || category == UTF8PROC_CATEGORY_ZL || category == UTF8PROC_CATEGORY_ZP;
 }
 
+constexpr std::size_t longestMarkRun = 30;
+
+bool isCombiningMark(utf8proc_int32_t codepoint) {
+    const auto category = utf8proc_category(codepoint);
+    return category == UTF8PROC_CATEGORY_MN || category == UTF8PROC_CATEGORY_ME;
+}
+
 /// The length of the escape sequence at the start of a text that begins with the escape character: any number of
 /// intermediate bytes, then a final one.
 std::size_t escapeLength(std::string_view bytes) {
@@ -27,6 +34,7 @@ std::size_t escapeLength(std::string_view bytes) {
 
 std::string safeText(std::string_view bytes) {
     std::string text;
+    std::size_t markRun = 0;
     while (!bytes.empty()) {
         utf8proc_int32_t codepoint = -1;
         const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(bytes.data()),
@@ -36,6 +44,10 @@ std::string safeText(std::string_view bytes) {
         auto addition = isValid ? bytes.substr(0, consumed) : replacementCharacter;
         if (isValid && isLineBreakOrControl(codepoint)) {
             addition = " ";
+        }
+        markRun = isValid && isCombiningMark(codepoint) ? markRun + 1 : 0;
+        if (markRun > longestMarkRun) {
+            addition = {};
         }
         if (text.size() + addition.size() > longestForeignText) {
             break;

@@ -11,7 +11,8 @@ namespace quillon::x11 {
 inline constexpr std::size_t longestForeignText = 1024;
 
 /// Well-formed UTF-8 on one line: each byte that is not UTF-8 becomes U+FFFD, each control character or line
-/// separator a blank; cut to `longestForeignText` bytes at a character's boundary.
+/// separator a blank; of a run of combining marks the first 30 stay, the most that Unicode's stream-safe text has;
+/// cut to `longestForeignText` bytes at a character's boundary.
 [[nodiscard]] std::string safeText(std::string_view bytes);
 
 /// The UTF-8 form of text in ISO 8859-1.

@@ -24,7 +24,7 @@ namespace {
 using nlohmann::json;
 
 /// Far more than the settings need; keeps a wrong file from being read whole.
-constexpr std::size_t longestFile = 4 * 1024 * 1024;
+constexpr std::size_t longestFile = 4'000'000; // bytes
 
 class Descriptor {
 public:

@@ -54,11 +54,14 @@ std::unordered_map<WindowID, std::string> geometryTexts(X11Platform& platform) {
 
 } // namespace
 
-std::string pinnableWindowsText(X11Platform& platform) {
+std::string pinnableWindowsText(X11Platform& platform, std::optional<ProcessID> runningProgram) {
     auto geometries = geometryTexts(platform);
     std::vector<Line> lines;
     std::array<std::size_t, std::tuple_size_v<AlignedCells>> widths{};
     for (const auto& window : WindowDetector::allForeignWindows()) {
+        if (window.ownerPID == runningProgram) {
+            continue;
+        }
         Line line{{fmt::format("{}", window.windowID), fmt::format("{}", window.ownerPID), geometries[window.windowID],
                    window.ownerName},
                   window.windowTitle};

@@ -13,7 +13,7 @@
 #include <fmt/format.h>
 
 #include <cerrno>
-#include <cstdlib>
+#include <cstring>
 
 #include <fcntl.h>
 #include <signal.h>
@@ -34,7 +34,7 @@ void openClosedStandardStreams() {
     }
 }
 
-/// Writes the text on the standard output; whoever does not read it to the end does not want it.
+/// Writes the text on the standard output. A reader that has gone does not want it.
 int show(std::string_view text) {
     while (!text.empty()) {
         const auto length = write(STDOUT_FILENO, text.data(), text.size());
@@ -42,6 +42,9 @@ int show(std::string_view text) {
             continue;
         }
         if (length < 0) {
+            if (errno != EPIPE) {
+                complain(fmt::format("Impossibile scrivere sull'uscita: {}", std::strerror(errno)));
+            }
             return ExitStatus::failure;
         }
         text.remove_prefix(static_cast<std::size_t>(length));
@@ -104,7 +107,9 @@ public:
 
     int operator()(const CommandLine::ListWindows&) const {
         const auto application = makeCoreApplication(argumentCount, arguments);
-        return onDisplay(nullptr, [](X11Platform& platform) { return show(pinnableWindowsText(platform)); });
+        const auto runningProgram = RemoteControl().runningProcess();
+        return onDisplay(nullptr,
+                         [&](X11Platform& platform) { return show(pinnableWindowsText(platform, runningProgram)); });
     }
 
     int operator()(const CommandLine::Script& request) const {

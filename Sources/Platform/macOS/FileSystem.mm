@@ -23,7 +23,9 @@ public:
     void createDirectory(const std::string& path, unsigned permissions) override {
         [NSFileManager.defaultManager createDirectoryAtPath:toNSString(path)
                                 withIntermediateDirectories:YES
-                                                 attributes:@{NSFilePosixPermissions : @(permissions)}
+                                                 attributes:@{
+                                                     NSFilePosixPermissions : @(permissions)
+                                                 }
                                                       error:nil];
     }
 

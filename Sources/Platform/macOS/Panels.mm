@@ -113,15 +113,12 @@ public:
     }
 
     ScreenRect frame() const override { return toRect<ScreenSpace>(panel.frame); }
-    void setFrame(const ScreenRect& frame, bool display) override {
-        [panel setFrame:toNSRect(frame) display:display];
-    }
+    void setFrame(const ScreenRect& frame, bool display) override { [panel setFrame:toNSRect(frame) display:display]; }
     bool isVisible() const override { return panel.visible; }
     void setLevel(int level) override { panel.level = level; }
     void setCollectionBehavior(CollectionBehavior behavior) override {
-        panel.collectionBehavior =
-            (behavior.canJoinAllSpaces ? NSWindowCollectionBehaviorCanJoinAllSpaces : 0U) |
-            (behavior.fullScreenAuxiliary ? NSWindowCollectionBehaviorFullScreenAuxiliary : 0U);
+        panel.collectionBehavior = (behavior.canJoinAllSpaces ? NSWindowCollectionBehaviorCanJoinAllSpaces : 0U) |
+                                   (behavior.fullScreenAuxiliary ? NSWindowCollectionBehaviorFullScreenAuxiliary : 0U);
     }
     void setAlphaValue(double alpha) override { panel.alphaValue = alpha; }
     void animateAlphaValue(double alpha, Seconds duration) override {

@@ -28,8 +28,9 @@ private:
 
 class RepeatingTimer final : public Registration {
 public:
-    /// On the main run loop, since that is the calling thread's.
-    RepeatingTimer(Seconds interval, const Task& task)
+    /// On the main run loop, since that is the calling thread's. The task comes by value: a block that captures a
+    /// reference holds no more than the reference.
+    RepeatingTimer(Seconds interval, Task task)
         : timer([NSTimer scheduledTimerWithTimeInterval:interval.count()
                                                 repeats:YES
                                                   block:^(NSTimer*) {
@@ -59,7 +60,7 @@ public:
     }
 
     RegistrationToken scheduleRepeatingTimer(Seconds interval, Task task) override {
-        return std::make_unique<RepeatingTimer>(interval, task);
+        return std::make_unique<RepeatingTimer>(interval, std::move(task));
     }
 
     std::shared_ptr<SerialQueue> makeSerialQueue(const std::string& label) override {

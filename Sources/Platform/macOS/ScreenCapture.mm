@@ -109,9 +109,7 @@ SampleBuffer toSampleBuffer(CMSampleBufferRef buffer) {
     return self;
 }
 
-- (void)stream:(SCStream*)stream
-    didOutputSampleBuffer:(CMSampleBufferRef)sampleBuffer
-                   ofType:(SCStreamOutputType)type {
+- (void)stream:(SCStream*)stream didOutputSampleBuffer:(CMSampleBufferRef)sampleBuffer ofType:(SCStreamOutputType)type {
     portOutput(quillon::macos::toSampleBuffer(sampleBuffer), static_cast<quillon::StreamOutputType>(type));
 }
 
@@ -279,19 +277,16 @@ class MacScreenCapture final : public ScreenCapture {
 public:
     void getShareableContent(bool excludingDesktopWindows, bool onScreenWindowsOnly,
                              ContentCompletion completion) override {
-        [SCShareableContent
-            getShareableContentExcludingDesktopWindows:excludingDesktopWindows
-                                   onScreenWindowsOnly:onScreenWindowsOnly
-                                     completionHandler:^(SCShareableContent* content, NSError* error) {
-                                         deliver(completion, toResult(content, error));
-                                     }];
+        [SCShareableContent getShareableContentExcludingDesktopWindows:excludingDesktopWindows
+                                                   onScreenWindowsOnly:onScreenWindowsOnly
+                                                     completionHandler:^(SCShareableContent* content, NSError* error) {
+                                                         deliver(completion, toResult(content, error));
+                                                     }];
     }
 
-    std::shared_ptr<ContentFilter>
-    makeFilter(const std::shared_ptr<CaptureWindow>& desktopIndependentWindow) override {
+    std::shared_ptr<ContentFilter> makeFilter(const std::shared_ptr<CaptureWindow>& desktopIndependentWindow) override {
         SCWindow* const window = static_cast<const MacCaptureWindow&>(*desktopIndependentWindow).native();
-        return std::make_shared<MacContentFilter>(
-            [[SCContentFilter alloc] initWithDesktopIndependentWindow:window]);
+        return std::make_shared<MacContentFilter>([[SCContentFilter alloc] initWithDesktopIndependentWindow:window]);
     }
 
     std::shared_ptr<CaptureStream> makeStream(const std::shared_ptr<ContentFilter>& filter,

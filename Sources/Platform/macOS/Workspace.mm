@@ -39,10 +39,9 @@ public:
 
 private:
     RegistrationToken observeApplications(NSNotificationName name, ApplicationCallback callback) {
-        return observe(workspace.notificationCenter, name,
-                       [callback = std::move(callback)](NSNotification* notification) {
-                           callback(applicationOf(notification));
-                       });
+        return observe(
+            workspace.notificationCenter, name,
+            [callback = std::move(callback)](NSNotification* notification) { callback(applicationOf(notification)); });
     }
 
     NSWorkspace* workspace = NSWorkspace.sharedWorkspace;

@@ -1,0 +1,100 @@
+#include "Platform/X11/FullScreenWatch.h"
+
+#include "Platform/X11/EndToken.h"
+
+#include <algorithm>
+#include <span>
+#include <utility>
+
+namespace quillon::x11 {
+
+namespace {
+
+constexpr std::uint8_t eventTypeMask = 0x7f;
+/// In 4-byte units; a window has about a dozen states.
+constexpr std::uint32_t mostStates = 64;
+
+bool isChangeOf(const xcb_generic_event_t& event, xcb_atom_t property) {
+    return (event.response_type & eventTypeMask) == XCB_PROPERTY_NOTIFY &&
+           reinterpret_cast<const xcb_property_notify_event_t&>(event).atom == property;
+}
+
+std::span<const std::uint32_t> numbersOf(const xcb_get_property_reply_t* reply) {
+    if (reply == nullptr || reply->format != 32) {
+        return {};
+    }
+    return {static_cast<const std::uint32_t*>(xcb_get_property_value(reply)), reply->value_len};
+}
+
+} // namespace
+
+FullScreenWatch::FullScreenWatch(Connection& connection) : connection(connection) {
+    rootEvents = connection.observeWindow(connection.root(), [this](const auto& event) {
+        if (isChangeOf(event, this->connection.atom("_NET_ACTIVE_WINDOW"))) {
+            askForActiveWindow();
+        }
+    });
+    rootSelection = connection.selectInput(connection.root(), XCB_EVENT_MASK_PROPERTY_CHANGE);
+    askForActiveWindow();
+}
+
+RegistrationToken FullScreenWatch::observe(Task changed) {
+    const int number = nextObserver++;
+    observers->emplace(number, std::move(changed));
+    return makeEndToken([weak = std::weak_ptr(observers), number] {
+        if (const auto alive = weak.lock()) {
+            alive->erase(number);
+        }
+    });
+}
+
+void FullScreenWatch::askForActiveWindow() {
+    const auto cookie = xcb_get_property(connection.xcb(), 0, connection.root(), connection.atom("_NET_ACTIVE_WINDOW"),
+                                         XCB_ATOM_WINDOW, 0, 1);
+    activeReply = connection.whenReplied(cookie.sequence, [this](void* reply) {
+        activeWindowArrived(static_cast<const xcb_get_property_reply_t*>(reply));
+    });
+}
+
+void FullScreenWatch::activeWindowArrived(const xcb_get_property_reply_t* reply) {
+    const auto windows = numbersOf(reply);
+    const xcb_window_t found = windows.empty() ? xcb_window_t{XCB_WINDOW_NONE} : windows.front();
+    if (std::exchange(active, found) == found) {
+        return;
+    }
+    activeEvents.reset();
+    activeSelection.reset();
+    if (active == XCB_WINDOW_NONE) {
+        stateReply.reset();
+        stateArrived(nullptr);
+        return;
+    }
+    activeEvents = connection.observeWindow(active, [this](const auto& event) {
+        if (isChangeOf(event, this->connection.atom("_NET_WM_STATE"))) {
+            askForState();
+        }
+    });
+    activeSelection = connection.selectInput(active, XCB_EVENT_MASK_PROPERTY_CHANGE);
+    askForState();
+}
+
+void FullScreenWatch::askForState() {
+    const auto cookie =
+        xcb_get_property(connection.xcb(), 0, active, connection.atom("_NET_WM_STATE"), XCB_ATOM_ATOM, 0, mostStates);
+    stateReply = connection.whenReplied(
+        cookie.sequence, [this](void* reply) { stateArrived(static_cast<const xcb_get_property_reply_t*>(reply)); });
+}
+
+void FullScreenWatch::stateArrived(const xcb_get_property_reply_t* reply) {
+    const auto states = numbersOf(reply);
+    const bool found =
+        std::find(states.begin(), states.end(), connection.atom("_NET_WM_STATE_FULLSCREEN")) != states.end();
+    if (std::exchange(isFullScreen, found) == found) {
+        return;
+    }
+    for (const auto& [number, changed] : *observers) {
+        changed();
+    }
+}
+
+} // namespace quillon::x11

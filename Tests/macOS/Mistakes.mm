@@ -1,0 +1,43 @@
+// Mistakes that the type check has to report, each with what is said of it.
+
+#include "Platform/macOS/LayerContents.h"
+
+#import <AppKit/AppKit.h>
+#include <ApplicationServices/ApplicationServices.h>
+#import <ScreenCaptureKit/ScreenCaptureKit.h>
+
+void selectors(NSView* view, SCStream* stream) {
+    [view layOutSubtreeIfNeeded];      // expected-error {{no visible @interface for 'NSView' declares the selector}}
+    [stream startCapture];             // expected-error {{no visible @interface for 'SCStream' declares the selector}}
+    [NSColor colorWithWhite:0 alfa:1]; // expected-error {{no known class method for selector 'colorWithWhite:alfa:'}}
+}
+
+void properties(NSWindow* window, NSScreen* screen) {
+    window.floatingPanel = YES; // expected-error {{property 'floatingPanel' not found on object of type 'NSWindow *'}}
+    screen.frame = NSMakeRect(0, 0, 1, 1); // expected-error {{assignment to readonly property}}
+}
+
+void types(SCStreamConfiguration* configuration, NSString* text) {
+    configuration.minimumFrameInterval = 0.5; // expected-error {{no viable conversion from 'double' to 'CMTime'}}
+    NSNumber* const number = text;            // expected-error {{cannot initialize a variable of type 'NSNumber *}}
+    (void)number;
+}
+
+void constants(NSWindow* window) {
+    window.level = NSNormalLevel; // expected-error {{use of undeclared identifier 'NSNormalLevel'}}
+}
+
+void nothingWhereSomethingIsNeeded(NSView* view) {
+    [view addSubview:nil]; // expected-error {{null passed to a callee that requires a non-null argument}}
+}
+
+void interfacesOfLaterSystems(SCStreamConfiguration* configuration) {
+    // expected-error@+1 {{'setShowMouseClicks:' is only available on macOS 15.0 or newer}}
+    configuration.showMouseClicks = NO;
+}
+
+void ownership(AXUIElementRef element) {
+    // expected-error@+1 {{requires a bridged cast}}
+    const id object = static_cast<id>(element);
+    (void)object;
+}

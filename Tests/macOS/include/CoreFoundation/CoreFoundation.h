@@ -1,0 +1,30 @@
+// Reference counting, run-time types and the few object types that adapters look into.
+#pragma once
+
+#include <objc/NSObject.h>
+
+typedef unsigned char Boolean;
+typedef double Float64;
+typedef uint32_t OSType;
+typedef unsigned long CFTypeID;
+typedef const void* CFTypeRef;
+typedef const struct __attribute__((objc_bridge(NSString))) __CFString* CFStringRef;
+typedef const struct __attribute__((objc_bridge(NSArray))) __CFArray* CFArrayRef;
+typedef const struct __attribute__((objc_bridge(NSDictionary))) __CFDictionary* CFDictionaryRef;
+typedef const struct __attribute__((objc_bridge(NSNumber))) __CFNumber* CFNumberRef;
+
+#define CF_ENUM(type, name) NS_ENUM(type, name)
+#define CF_OPTIONS(type, name) NS_OPTIONS(type, name)
+
+NS_ASSUME_NONNULL_BEGIN
+
+extern "C" {
+CFTypeRef CFRetain(CFTypeRef object);
+void CFRelease(CFTypeRef object);
+CFTypeID CFGetTypeID(CFTypeRef object);
+CFTypeID CFStringGetTypeID(void);
+CFTypeID CFBooleanGetTypeID(void);
+Boolean CFNumberIsFloatType(CFNumberRef number);
+}
+
+NS_ASSUME_NONNULL_END

@@ -1,0 +1,179 @@
+// Values, collections, user defaults, files, notifications, timers and what the process knows of itself.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <CoreGraphics/CoreGraphics.h>
+#include <dispatch/dispatch.h>
+#include <objc/NSObject.h>
+
+#include <Availability.h>
+
+NS_ASSUME_NONNULL_BEGIN
+
+@class NSArray<ObjectType>;
+@class NSData;
+@class NSDictionary<KeyType, ObjectType>;
+@class NSEnumerator<ObjectType>;
+@class NSError;
+
+typedef double NSTimeInterval;
+typedef CGPoint NSPoint;
+typedef CGSize NSSize;
+typedef CGRect NSRect;
+
+inline NSPoint NSMakePoint(CGFloat x, CGFloat y) { return {x, y}; }
+inline NSRect NSMakeRect(CGFloat x, CGFloat y, CGFloat width, CGFloat height) { return {{x, y}, {width, height}}; }
+
+inline id _Nullable CFBridgingRelease(__attribute__((cf_consumed)) CFTypeRef _Nullable object) {
+    return (__bridge_transfer id)object;
+}
+
+@protocol NSCopying
+@end
+
+typedef struct {
+    unsigned long state;
+    id __unsafe_unretained _Nullable* _Nullable itemsPtr;
+    unsigned long* _Nullable mutationsPtr;
+    unsigned long extra[5];
+} NSFastEnumerationState;
+@protocol NSFastEnumeration
+- (NSUInteger)countByEnumeratingWithState:(NSFastEnumerationState*)state
+                                  objects:(id __unsafe_unretained _Nullable[_Nonnull])buffer
+                                    count:(NSUInteger)length;
+@end
+
+typedef NSUInteger NSStringEncoding;
+enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
+
+@interface NSString : NSObject <NSCopying>
+- (nullable instancetype)initWithBytes:(const void*)bytes length:(NSUInteger)len encoding:(NSStringEncoding)encoding;
+- (nullable NSData*)dataUsingEncoding:(NSStringEncoding)encoding allowLossyConversion:(BOOL)lossy;
+@end
+
+@interface NSData : NSObject <NSCopying>
++ (instancetype)dataWithBytes:(nullable const void*)bytes length:(NSUInteger)length;
+@property(readonly) const void* bytes __attribute__((objc_returns_inner_pointer));
+@property(readonly) NSUInteger length;
+@end
+
+@interface NSValue : NSObject <NSCopying>
+@end
+
+@interface NSNumber : NSValue
++ (NSNumber*)numberWithUnsignedInt:(unsigned)value;
++ (NSNumber*)numberWithLongLong:(long long)value;
++ (NSNumber*)numberWithDouble:(double)value;
++ (NSNumber*)numberWithBool:(BOOL)value;
+@property(readonly) long long longLongValue;
+@property(readonly) double doubleValue;
+@property(readonly) BOOL boolValue;
+@end
+
+@interface NSEnumerator<ObjectType> : NSObject <NSFastEnumeration>
+@end
+
+@interface NSArray<__covariant ObjectType> : NSObject <NSCopying, NSFastEnumeration>
+@property(nullable, nonatomic, readonly) ObjectType firstObject;
+@end
+
+@interface NSMutableArray<ObjectType> : NSArray <ObjectType>
+- (void)addObject:(ObjectType)anObject;
+@end
+
+@interface NSDictionary<__covariant KeyType, __covariant ObjectType> : NSObject <NSCopying, NSFastEnumeration>
++ (instancetype)dictionaryWithObjects:(const ObjectType _Nonnull[_Nullable])objects
+                              forKeys:(const KeyType<NSCopying> _Nonnull[_Nullable])keys
+                                count:(NSUInteger)count;
+- (nullable ObjectType)objectForKeyedSubscript:(KeyType)key;
+- (NSEnumerator<ObjectType>*)objectEnumerator;
+@end
+
+@interface NSError : NSObject <NSCopying>
+@property(readonly) NSInteger code;
+@end
+
+@interface NSDate : NSObject <NSCopying>
++ (instancetype)dateWithTimeIntervalSince1970:(NSTimeInterval)seconds;
+@end
+
+@interface NSFormatter : NSObject <NSCopying>
+@end
+
+@interface NSDateFormatter : NSFormatter
+@property(null_resettable, copy) NSString* dateFormat;
+- (NSString*)stringFromDate:(NSDate*)date;
+@end
+
+@interface NSURL : NSObject <NSCopying>
+@property(nullable, readonly, copy) NSString* path;
+@end
+
+typedef NS_ENUM(NSUInteger, NSSearchPathDirectory) { NSLibraryDirectory = 5 };
+typedef NS_OPTIONS(NSUInteger, NSSearchPathDomainMask) { NSUserDomainMask = 1 };
+typedef NSString* NSFileAttributeKey;
+extern "C" NSFileAttributeKey const NSFilePosixPermissions;
+
+@interface NSFileManager : NSObject
+@property(class, readonly, strong) NSFileManager* defaultManager;
+- (NSArray<NSURL*>*)URLsForDirectory:(NSSearchPathDirectory)directory inDomains:(NSSearchPathDomainMask)domainMask;
+- (BOOL)createDirectoryAtPath:(NSString*)path
+    withIntermediateDirectories:(BOOL)createIntermediates
+                     attributes:(nullable NSDictionary<NSFileAttributeKey, id>*)attributes
+                          error:(NSError**)error;
+@end
+
+@interface NSUserDefaults : NSObject
+@property(class, readonly, strong) NSUserDefaults* standardUserDefaults;
+- (nullable id)objectForKey:(NSString*)defaultName;
+- (void)setObject:(nullable id)value forKey:(NSString*)defaultName;
+- (void)removeObjectForKey:(NSString*)defaultName;
+@end
+
+@interface NSOperationQueue : NSObject
+@property(class, readonly, strong) NSOperationQueue* mainQueue;
+@end
+
+typedef NSString* NSNotificationName;
+
+@interface NSNotification : NSObject <NSCopying>
+@property(nullable, readonly, copy) NSDictionary* userInfo;
+@end
+
+@interface NSNotificationCenter : NSObject
+@property(class, readonly, strong) NSNotificationCenter* defaultCenter;
+- (void)postNotificationName:(NSNotificationName)name object:(nullable id)object;
+- (id<NSObject>)addObserverForName:(nullable NSNotificationName)name
+                            object:(nullable id)object
+                             queue:(nullable NSOperationQueue*)queue
+                        usingBlock:(void (^)(NSNotification* notification))block;
+- (void)removeObserver:(id)observer;
+@end
+
+@interface NSTimer : NSObject
++ (NSTimer*)scheduledTimerWithTimeInterval:(NSTimeInterval)interval
+                                   repeats:(BOOL)repeats
+                                     block:(void (^)(NSTimer* timer))block;
+- (void)invalidate;
+@end
+
+typedef struct {
+    NSInteger majorVersion;
+    NSInteger minorVersion;
+    NSInteger patchVersion;
+} NSOperatingSystemVersion;
+
+@interface NSProcessInfo : NSObject
+@property(class, readonly, strong) NSProcessInfo* processInfo;
+@property(readonly) int processIdentifier;
+@property(readonly) NSOperatingSystemVersion operatingSystemVersion;
+@end
+
+@interface NSBundle : NSObject
+@property(class, readonly, strong) NSBundle* mainBundle;
+@property(nullable, readonly, copy) NSString* bundleIdentifier;
+@end
+
+extern "C" void NSLog(NSString* format, ...) __attribute__((format(__NSString__, 1, 2)));
+
+NS_ASSUME_NONNULL_END

@@ -57,9 +57,12 @@ bool isDebugLoggingOn() {
     return Defaults::boolForKey(Defaults::debugLogging);
 }
 
-void appendToLog(const std::string& message) {
-    auto line = wpLogFmt().string(platform().clock().now()) + "  " + message + "\n";
-    wpLogQueue().async([line = std::move(line)] { writeLine(line); });
+std::string logTimestamp() {
+    return wpLogFmt().string(platform().clock().now());
+}
+
+void appendToLog(const std::string& timestamp, const std::string& message) {
+    wpLogQueue().async([line = timestamp + "  " + message + "\n"] { writeLine(line); });
 }
 
 } // namespace quillon

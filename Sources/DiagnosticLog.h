@@ -11,14 +11,18 @@ namespace quillon {
 /// The user default, read anew on every call.
 [[nodiscard]] bool isDebugLoggingOn();
 
-/// Appends the message, with the time before it and a line feed after it, on the log's own queue.
-void appendToLog(const std::string& message);
+/// The time now, as lines begin with it.
+[[nodiscard]] std::string logTimestamp();
+
+/// Appends a line on the log's own queue.
+void appendToLog(const std::string& timestamp, const std::string& message);
 
 /// Logs the text that `message` returns. It is called only while logging is on.
 template <std::invocable Message>
 void wplog(Message&& message) {
     if (isDebugLoggingOn()) {
-        appendToLog(message());
+        const auto timestamp = logTimestamp();
+        appendToLog(timestamp, message());
     }
 }
 

@@ -98,7 +98,7 @@ std::optional<LeadingNumber> readLeadingNumber(std::string_view text) {
     stream.imbue(std::locale::classic());
     LeadingNumber number{0, length};
     stream >> number.value;
-    if (std::abs(number.value) == std::numeric_limits<double>::max()) {
+    if (stream.fail() && std::abs(number.value) == std::numeric_limits<double>::max()) {
         // The stream's way to say that the number is out of range.
         number.value = std::copysign(std::numeric_limits<double>::infinity(), number.value);
     }

@@ -2,6 +2,7 @@
 
 #include "Platform/X11/Handlers.h"
 #include "Platform/X11/StandardError.h"
+#include "Text.h"
 
 #include <fmt/format.h>
 #include <xcb/composite.h>
@@ -14,7 +15,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <map>
@@ -205,10 +205,8 @@ std::optional<double> numberResource(std::string_view resources, std::string_vie
             continue;
         }
         line.remove_prefix(std::min(line.find_first_not_of(": \t", name.size()), line.size()));
-        double number = 0;
-        const auto [stop, error] = std::from_chars(line.data(), line.data() + line.size(), number);
-        if (error == std::errc() && stop != line.data()) {
-            return number;
+        if (const auto number = readLeadingNumber(line)) {
+            return number->value;
         }
     }
     return std::nullopt;

@@ -1,0 +1,140 @@
+#include "ScriptCommands.h"
+
+#include "ExitStatus.h"
+#include "PinnedWindowTracker.h"
+#include "UnitTest.h"
+#include "WindowDetector.h"
+#include "WindowOverlay.h"
+
+namespace quillon {
+namespace {
+
+constexpr DisplayRect here{{100, 50}, {800, 600}};
+
+class ScriptCommandsTest : public UnitTest {
+protected:
+    ScriptReply perform(const std::string& verb, std::vector<std::string> arguments = {}) {
+        auto reply = ScriptCommands::perform({verb, std::move(arguments)}, tracker, toggled);
+        desktop.runUntilIdle();
+        return reply;
+    }
+    void expect(const ScriptReply& reply, int exitStatus, const std::string& text) {
+        EXPECT_EQ(reply.exitStatus, exitStatus);
+        EXPECT_EQ(reply.text, text);
+    }
+
+    PinnedWindowTracker tracker;
+    std::function<void()> toggled = [] {};
+    ProcessID notes = desktop.launch("Note");
+    ProcessID mail = desktop.launch("Mail");
+    WindowID shopping = desktop.openWindow(notes, "Spesa", here); // 101
+    WindowID inbox = desktop.openWindow(mail, "", here);          // 102
+};
+
+TEST_F(ScriptCommandsTest, PinningTheFrontmostWindowWithAndWithoutNamingIt) {
+    desktop.activate(notes);
+    expect(perform("pin"), ExitStatus::success, "Fissata: Note — Spesa (finestra 101)");
+    expect(perform("pin", {"front"}), ExitStatus::success, "Già fissata: Note — Spesa (finestra 101)");
+    desktop.activate(mail);
+    desktop.runUntilIdle();
+    expect(perform("pin", {"front"}), ExitStatus::success, "Fissata: Mail (finestra 102)");
+    EXPECT_EQ(tracker.pinnedWindows().size(), 2U);
+}
+
+TEST_F(ScriptCommandsTest, PinningByNumber) {
+    expect(perform("pin", {"101"}), ExitStatus::success, "Fissata: Note — Spesa (finestra 101)");
+    for (const auto* hexadecimal : {"0x66", "0X66"}) {
+        tracker.unpinAll();
+        expect(perform("pin", {hexadecimal}), ExitStatus::success, "Fissata: Mail (finestra 102)");
+    }
+}
+
+TEST_F(ScriptCommandsTest, AWindowOfAnApplicationThatIsNotInFrontIsShownAtOnce) {
+    desktop.activate(mail);
+    desktop.runUntilIdle();
+    perform("pin", {"101"});
+    perform("pin", {"102"});
+    EXPECT_TRUE(tracker.overlays().at(shopping)->isPinVisible());
+    EXPECT_FALSE(tracker.overlays().at(inbox)->isPinVisible());
+}
+
+TEST_F(ScriptCommandsTest, WhatCannotBePinnedIsSaid) {
+    expect(perform("pin"), ExitStatus::failure,
+           "Nessuna finestra da fissare: porta in primo piano la finestra di un'altra applicazione");
+    expect(perform("pin", {"999"}), ExitStatus::failure,
+           "La finestra 999 non esiste o non si può fissare: \"quillon --list-windows\" elenca quelle che si possono "
+           "fissare");
+}
+
+TEST_F(ScriptCommandsTest, WhatIsNoWindowNumberIsAUsageError) {
+    for (const std::string argument : {"Spesa", "", "0x", "12a", "0x1g", "-1", "4294967296"}) {
+        for (const auto* verb : {"pin", "unpin"}) {
+            expect(perform(verb, {argument}), ExitStatus::usage,
+                   "«" + argument + "» non è un numero di finestra: \"quillon --list-windows\" li elenca");
+        }
+    }
+}
+
+TEST_F(ScriptCommandsTest, UnpinningByNumberAndInFront) {
+    perform("pin", {"101"});
+    perform("pin", {"102"});
+    expect(perform("unpin", {"0x65"}), ExitStatus::success, "Sbloccata: finestra 101");
+    desktop.activate(mail);
+    desktop.runUntilIdle();
+    expect(perform("unpin"), ExitStatus::success, "Sbloccata: finestra 102");
+    expect(perform("unpin", {"front"}), ExitStatus::failure,
+           "La finestra 102 non è fissata: \"quillon list\" elenca quelle fissate");
+    EXPECT_TRUE(tracker.pinnedWindows().empty());
+}
+
+TEST_F(ScriptCommandsTest, UnpinningTheFrontmostWindowWhenThereIsNone) {
+    expect(perform("unpin"), ExitStatus::failure, "Nessuna finestra da sbloccare in primo piano");
+}
+
+TEST_F(ScriptCommandsTest, UnpinningAPinnedWindowThatHasClosed) {
+    perform("pin", {"101"});
+    desktop.close(shopping);
+    expect(perform("unpin", {"101"}), ExitStatus::success, "Sbloccata: finestra 101");
+}
+
+TEST_F(ScriptCommandsTest, UnpinningAllTellsHowMany) {
+    perform("pin", {"101"});
+    perform("pin", {"102"});
+    expect(perform("unpin", {"all"}), ExitStatus::success, "Finestre sbloccate: 2");
+    expect(perform("unpin", {"all"}), ExitStatus::success, "Finestre sbloccate: 0");
+}
+
+TEST_F(ScriptCommandsTest, TogglingTellsWhatChanged) {
+    perform("pin", {"102"});
+    toggled = [this] { tracker.pin(WindowDetector::foreignWindow(shopping).value()); };
+    expect(perform("toggle"), ExitStatus::success, "Fissata: Note — Spesa (finestra 101)");
+    toggled = [this] { tracker.unpin(shopping); };
+    expect(perform("toggle"), ExitStatus::success, "Sbloccata: Note — Spesa (finestra 101)");
+    toggled = [] {};
+    expect(perform("toggle"), ExitStatus::failure,
+           "Nessuna finestra da fissare: porta in primo piano la finestra di un'altra applicazione");
+}
+
+TEST_F(ScriptCommandsTest, TheListIsOrderedByNumber) {
+    expect(perform("list"), ExitStatus::success, "");
+    perform("pin", {"102"});
+    perform("pin", {"101"});
+    expect(perform("list"), ExitStatus::success, "101\tNote — Spesa\n102\tMail");
+}
+
+TEST_F(ScriptCommandsTest, TooManyArgumentsAreAUsageError) {
+    expect(perform("pin", {"1", "2"}), ExitStatus::usage,
+           "Troppi argomenti per «pin»: \"quillon --help\" mostra l'uso");
+    expect(perform("unpin", {"1", "2"}), ExitStatus::usage,
+           "Troppi argomenti per «unpin»: \"quillon --help\" mostra l'uso");
+    expect(perform("toggle", {"1"}), ExitStatus::usage,
+           "Troppi argomenti per «toggle»: \"quillon --help\" mostra l'uso");
+    expect(perform("list", {"1"}), ExitStatus::usage, "Troppi argomenti per «list»: \"quillon --help\" mostra l'uso");
+}
+
+TEST_F(ScriptCommandsTest, AnUnknownVerbIsAUsageError) {
+    expect(perform("fissa"), ExitStatus::usage, "Comando sconosciuto «fissa»: \"quillon --help\" elenca i comandi");
+}
+
+} // namespace
+} // namespace quillon

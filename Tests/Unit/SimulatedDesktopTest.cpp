@@ -1,0 +1,459 @@
+// The simulated desktop itself: that it does what a desktop does, and that it stops a test that misuses it.
+
+#include "UnitTest.h"
+
+#include <limits>
+
+namespace quillon {
+namespace {
+
+using simulated::CaptureOperation;
+using simulated::Desktop;
+
+constexpr DisplayRect here{{100, 50}, {800, 600}};
+constexpr ScreenRect place{{200, 300}, {400, 300}};
+
+struct Delegate : PanelDelegate, ViewDelegate {
+    void sendEvent(const PanelEvent& event) override { onEvent(event); }
+    void mouseDown(const PanelEvent& event) override { presses.push_back(event); }
+
+    std::function<void(const PanelEvent&)> onEvent = [](const PanelEvent&) {};
+    std::vector<PanelEvent> presses;
+};
+
+class SimulatedDesktopTest : public UnitTest {
+protected:
+    /// Runs the task on a serial queue.
+    void onQueue(Task task) {
+        const auto queue = desktop.scheduler().makeSerialQueue("worker");
+        queue->async(std::move(task));
+        desktop.runUntilIdle();
+    }
+    std::shared_ptr<CaptureWindow> record() {
+        std::shared_ptr<CaptureWindow> result;
+        desktop.screenCapture().getShareableContent(
+            false, false, [&](const auto& content) { result = std::get<ShareableContent>(content).windows.front(); });
+        desktop.runUntilIdle();
+        return result;
+    }
+    std::shared_ptr<CaptureStream> makeStream() {
+        auto& capture = desktop.screenCapture();
+        return capture.makeStream(capture.makeFilter(record()), configuration, [](const auto&, const auto&) {});
+    }
+    std::shared_ptr<CaptureStream> makeStreamWithOutput() {
+        auto stream = makeStream();
+        EXPECT_FALSE(stream->addStreamOutput([this](const auto&, auto) { ++samples; }, StreamOutputType::screen,
+                                             desktop.scheduler().makeSerialQueue("frames")));
+        return stream;
+    }
+    std::unique_ptr<Panel> makePanel() { return desktop.panels().makePanel(place, delegate); }
+
+    static void ignore(const std::optional<CaptureError>&) {}
+
+    Delegate delegate;
+    StreamConfiguration configuration;
+    int samples = 0;
+    ProcessID notes = desktop.launch("Note");
+    WindowID window = desktop.openWindow(notes, "Spesa", here);
+};
+
+using SimulatedDesktopDeathTest = SimulatedDesktopTest;
+
+// Time and queues
+
+TEST_F(SimulatedDesktopTest, TasksRunInTheOrderOfTheirSubmissionAcrossQueues) {
+    std::vector<std::string> order;
+    const auto queue = desktop.scheduler().makeSerialQueue("worker");
+    const auto note = [&] { order.push_back(desktop.scheduler().currentQueue()); };
+    desktop.scheduler().mainAsync(note);
+    queue->async(note);
+    desktop.scheduler().mainAsync(note);
+    EXPECT_TRUE(order.empty());
+    desktop.runUntilIdle();
+    EXPECT_EQ(order, (Lines{"main", "worker", "main"}));
+}
+
+TEST_F(SimulatedDesktopTest, TimersRunAtTheirMoments) {
+    std::vector<double> moments;
+    const auto note = [&] { moments.push_back(Seconds(desktop.scheduler().now()).count()); };
+    auto token = desktop.scheduler().scheduleRepeatingTimer(Seconds(0.5), note);
+    desktop.scheduler().mainAfter(Seconds(0.7), note);
+    desktop.advance(Seconds(1.2));
+    EXPECT_EQ(moments, (std::vector{0.5, 0.7, 1.0}));
+    token.reset();
+    desktop.advance(Seconds(5));
+    EXPECT_EQ(moments.size(), 3U);
+}
+
+TEST_F(SimulatedDesktopTest, RunningUntilAConditionStopsAtItOrAtTheBound) {
+    bool done = false;
+    desktop.scheduler().mainAfter(Seconds(1), [&] { done = true; });
+    EXPECT_TRUE(desktop.runUntil([&] { return done; }, Seconds(10)));
+    EXPECT_NEAR(Seconds(desktop.scheduler().now()).count(), 1, 0.011);
+    EXPECT_FALSE(desktop.runUntil([] { return false; }, Seconds(1)));
+}
+
+TEST_F(SimulatedDesktopDeathTest, VirtualTimeIsNotAdvancedFromATask) {
+    desktop.scheduler().mainAsync([&] { desktop.advance(Seconds(1)); });
+    EXPECT_DEATH(desktop.runUntilIdle(), "misuse: advance from within a task");
+}
+
+TEST_F(SimulatedDesktopDeathTest, ATaskThatResubmitsItselfForEverIsStopped) {
+    std::function<void()> again = [&] { desktop.scheduler().mainAsync(again); };
+    again();
+    EXPECT_DEATH(desktop.runUntilIdle(), "the queue main never becomes idle");
+}
+
+TEST_F(SimulatedDesktopDeathTest, ImpossibleDurationsAndMissingTasks) {
+    auto& scheduler = desktop.scheduler();
+    EXPECT_DEATH(scheduler.mainAfter(Seconds(-1), [] {}), "a delayed task with a duration of -1 s");
+    EXPECT_DEATH(static_cast<void>(scheduler.scheduleRepeatingTimer(Seconds(0), [] {})), "an interval of 0 s");
+    EXPECT_DEATH(scheduler.mainAsync(nullptr), "Scheduler::mainAsync without a task");
+    EXPECT_DEATH(static_cast<void>(scheduler.makeSerialQueue("main")), "with the main queue's label");
+}
+
+TEST_F(SimulatedDesktopDeathTest, ATimerEndsOnTheMainThread) {
+    auto token = desktop.scheduler().scheduleRepeatingTimer(Seconds(1), [] {});
+    EXPECT_DEATH(onQueue([&] { token.reset(); }), "ending a repeating timer on the queue worker: main thread only");
+}
+
+TEST_F(SimulatedDesktopDeathTest, ADatePatternHasKnownFieldsOnly) {
+    const auto formatter = desktop.clock().makeDateFormatter("yyyy QQQ");
+    EXPECT_DEATH(static_cast<void>(formatter->string(desktop.clock().now())), "unknown field \"QQQ\"");
+}
+
+// The main thread
+
+TEST_F(SimulatedDesktopDeathTest, PortsOfTheMainThreadStopATaskOfAQueue) {
+    const auto panel = makePanel();
+    const auto layer = desktop.views().makeLayer();
+    const auto stream = makeStreamWithOutput();
+    const std::vector<std::pair<Task, std::string>> calls{
+        {[&] { static_cast<void>(desktop.workspace().frontmostApplication()); }, "Workspace::frontmostApplication"},
+        {[&] { static_cast<void>(desktop.screens().screens()); }, "Screens::screens"},
+        {[&] { static_cast<void>(desktop.accessibility().isProcessTrusted()); }, "Accessibility::isProcessTrusted"},
+        {[&] { static_cast<void>(desktop.eventAccess().preflightPostEventAccess()); },
+         "EventAccess::preflightPostEventAccess"},
+        {[&] { desktop.notificationCenter().post("name"); }, "NotificationCenter::post"},
+        {[&] { static_cast<void>(desktop.scheduler().scheduleRepeatingTimer(Seconds(1), [] {})); },
+         "Scheduler::scheduleRepeatingTimer"},
+        {[&] { panel->setLevel(3); }, "Panel::setLevel"},
+        {[&] { static_cast<void>(panel->frame()); }, "Panel::frame"},
+        {[&] { static_cast<void>(makePanel()); }, "Panels::makePanel"},
+        {[&] { static_cast<void>(desktop.views().makeLayer()); }, "Views::makeLayer"},
+        {[&] { layer->setContents(nullptr); }, "Layer::setContents"},
+        {[&] { stream->startCapture(ignore); }, "CaptureStream::startCapture"},
+        {[&] { desktop.screenCapture().getShareableContent(false, false, {}); }, "ScreenCapture::getShareableContent"},
+        {[&] { desktop.sharedApplication()->setActivationPolicy(ActivationPolicy::regular); },
+         "Application::setActivationPolicy"},
+    };
+    for (const auto& [call, name] : calls) {
+        EXPECT_DEATH(onQueue(call), "misuse: " + name + " on the queue worker: main thread only");
+    }
+}
+
+TEST_F(SimulatedDesktopTest, PortsOfAnyThreadServeATaskOfAQueue) {
+    onQueue([&] {
+        desktop.userDefaults().set("key", true);
+        static_cast<void>(desktop.clock().now());
+        static_cast<void>(desktop.processInfo().processIdentifier());
+        static_cast<void>(desktop.windowServer().copyWindowInfo(windowListExcludeDesktopElements, nullWindowID));
+        desktop.scheduler().mainAsync([&] { desktop.notificationCenter().post("hop"); });
+    });
+    EXPECT_EQ(desktop.journal().take({"notificationCenter.post"}), Lines{"notificationCenter.post hop"});
+}
+
+TEST_F(SimulatedDesktopDeathTest, CaptureCompletionsAreNotOnTheMainThread) {
+    desktop.screenCapture().getShareableContent(false, false,
+                                                [&](const auto&) { static_cast<void>(desktop.screens().screens()); });
+    EXPECT_DEATH(desktop.runUntilIdle(), "Screens::screens on the queue screen capture");
+}
+
+// Panels, views and layers
+
+TEST_F(SimulatedDesktopTest, PanelsStackByLevelAndThenByOrder) {
+    const auto back = makePanel();
+    const auto front = makePanel();
+    const auto floating = makePanel();
+    floating->setLevel(floatingWindowLevel);
+    for (auto* panel : {floating.get(), back.get(), front.get()}) {
+        panel->orderFront();
+    }
+    const auto& all = desktop.panels().all();
+    EXPECT_EQ(desktop.panels().stack(), (std::vector{all[2], all[1], all[0]}));
+    front->orderBack();
+    EXPECT_EQ(desktop.panels().stack(), (std::vector{all[2], all[0], all[1]}));
+    floating->orderOut();
+    EXPECT_EQ(desktop.panels().stack(), (std::vector{all[0], all[1]}));
+}
+
+TEST_F(SimulatedDesktopTest, AClickGoesToThePanelInFrontElseToTheWindow) {
+    const auto panel = makePanel();
+    std::vector<EventType> events;
+    delegate.onEvent = [&](const PanelEvent& event) {
+        events.push_back(event.type);
+        panel->sendEventToSuper(event);
+    };
+    panel->orderFront();
+    desktop.click({250, 350});
+    EXPECT_EQ(events, (std::vector{EventType::leftMouseDown, EventType::leftMouseUp}));
+    ASSERT_EQ(delegate.presses.size(), 1U);
+    EXPECT_EQ(delegate.presses.front().locationInWindow, (WindowPoint{50, 50}));
+    EXPECT_FALSE(desktop.workspace().frontmostApplication());
+
+    panel->setLevel(normalWindowLevel - 1);
+    desktop.click({250, 350});
+    EXPECT_EQ(events.size(), 2U) << "the window covers the panel";
+    EXPECT_EQ(desktop.workspace().frontmostApplication()->processIdentifier, notes);
+    desktop.click({1400, 10});
+}
+
+TEST_F(SimulatedDesktopTest, ASubviewThatFollowsItsContainerGrowsWithIt) {
+    const auto flexible = desktop.views().makeView({{10, 10}, {50, 50}}, delegate);
+    const auto fixed = desktop.views().makeView({{10, 10}, {50, 50}}, delegate);
+    const auto container = desktop.views().makeView({{0, 0}, {100, 100}}, delegate);
+    flexible->setResizesWithContainer();
+    container->addSubview(*flexible);
+    container->addSubview(*fixed);
+    container->setFrame({{5, 5}, {120, 90}});
+    EXPECT_EQ(flexible->bounds().size, (Size{70, 40}));
+    EXPECT_EQ(fixed->bounds().size, (Size{50, 50}));
+}
+
+TEST_F(SimulatedDesktopDeathTest, AViewOutlivesThePanelThatShowsIt) {
+    auto view = desktop.views().makeView({}, delegate);
+    const auto panel = makePanel();
+    panel->setContentView(*view);
+    EXPECT_DEATH(view.reset(), "destroying a view, which a panel still shows");
+}
+
+TEST_F(SimulatedDesktopDeathTest, ASubviewAndALayerOutliveTheViewThatShowsThem) {
+    auto layer = desktop.views().makeLayer();
+    auto child = desktop.views().makeView({}, delegate);
+    const auto view = desktop.views().makeView({}, delegate);
+    view->addSublayer(*layer);
+    view->addSubview(*child);
+    EXPECT_DEATH(child.reset(), "destroying a view, which a view still shows");
+    EXPECT_DEATH(layer.reset(), "a layer was destroyed before the view that shows it");
+    EXPECT_DEATH(view->addSubview(*child), "View::addSubview, which a view still shows");
+    EXPECT_DEATH(view->addSublayer(*layer), "a layer that a view shows already");
+}
+
+TEST_F(SimulatedDesktopDeathTest, HandlesOfAnotherDesktopOrDeadOnesAreRefused) {
+    Desktop other;
+    const auto foreign = other.views().makeView({}, delegate);
+    const auto foreignLayer = other.views().makeLayer();
+    const auto view = desktop.views().makeView({}, delegate);
+    const auto panel = makePanel();
+    EXPECT_DEATH(panel->setContentView(*foreign), "Panel::setContentView with a view that is not a living one");
+    EXPECT_DEATH(view->addSubview(*foreign), "View::addSubview with a view that is not a living one");
+    EXPECT_DEATH(view->addSublayer(*foreignLayer), "View::addSublayer with a layer that is not a living one");
+}
+
+TEST_F(SimulatedDesktopDeathTest, APictureIsShownOnlyWhileItsFrameIsHeld) {
+    const auto layer = desktop.views().makeLayer();
+    const auto surface = desktop.screenCapture().makePixelBuffer(16, 16)->surface();
+    EXPECT_DEATH(layer->setContents(surface), "the picture of a frame that was let go of");
+    EXPECT_DEATH(layer->setContents(nullptr), "without a picture of this desktop");
+}
+
+TEST_F(SimulatedDesktopDeathTest, TheInheritedDispatchIsForTheEventBeingDispatched) {
+    const auto panel = makePanel();
+    panel->orderFront();
+    EXPECT_DEATH(panel->sendEventToSuper(PanelEvent()), "another event than the one being dispatched");
+    delegate.onEvent = [&](const PanelEvent& event) {
+        const auto copy = event;
+        panel->sendEventToSuper(copy);
+    };
+    EXPECT_DEATH(desktop.panels().all().front()->inject(PanelEvent()), "another event than the one being dispatched");
+}
+
+TEST_F(SimulatedDesktopDeathTest, APanelIsNotDestroyedByTheEventThatItDispatches) {
+    auto panel = makePanel();
+    panel->orderFront();
+    delegate.onEvent = [&](const PanelEvent&) { panel.reset(); };
+    EXPECT_DEATH(desktop.panels().all().front()->inject(PanelEvent()), "destroyed while it dispatched an event");
+}
+
+TEST_F(SimulatedDesktopDeathTest, InputNeedsAPanelOnScreenThatIsNotBusy) {
+    const auto panel = makePanel();
+    auto& simulatedPanel = *desktop.panels().all().front();
+    EXPECT_DEATH(simulatedPanel.inject(PanelEvent()), "input on a panel that is not on screen");
+    panel->orderFront();
+    delegate.onEvent = [&](const PanelEvent& event) { simulatedPanel.inject(event); };
+    EXPECT_DEATH(simulatedPanel.inject(PanelEvent()), "input while the panel dispatches an event");
+}
+
+TEST_F(SimulatedDesktopDeathTest, FramesAndOpacitiesThatCannotBe) {
+    const auto panel = makePanel();
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_DEATH(panel->setFrame({{0, 0}, {nan, 1}}, false), "Panel::setFrame with a frame that is no rectangle");
+    EXPECT_DEATH(panel->setAlphaValue(1.5), "Panel::setAlphaValue with the opacity 1.5");
+    EXPECT_DEATH(panel->animateAlphaValue(-1, Seconds(1)), "Panel::animateAlphaValue with the opacity -1");
+}
+
+TEST_F(SimulatedDesktopDeathTest, NothingOutlivesTheDesktop) {
+    const auto leavePanel = [&] {
+        auto shortLived = std::make_unique<Desktop>();
+        const auto panel = shortLived->panels().makePanel(place, delegate);
+        shortLived.reset();
+    };
+    EXPECT_DEATH(leavePanel(), "1 panels and 0 views or layers outlive the desktop");
+    const auto leaveFile = [] {
+        Desktop shortLived;
+        EXPECT_GE(shortLived.fileSystem().openForAppending("/Users/anna/Library/file", 0600), 0);
+    };
+    EXPECT_DEATH(leaveFile(), "1 files were not closed");
+}
+
+// Screen capture
+
+TEST_F(SimulatedDesktopTest, AStreamDeliversAPictureAtOnceAndForEveryChangeAtItsInterval) {
+    configuration.minimumFrameInterval = {0.5, 600};
+    const auto stream = makeStreamWithOutput();
+    stream->startCapture(ignore);
+    desktop.runUntilIdle();
+    EXPECT_EQ(samples, 1);
+    for (int change = 0; change < 10; ++change) {
+        desktop.draw(window);
+        desktop.advance(Seconds(0.1));
+    }
+    EXPECT_EQ(samples, 3);
+    stream->stopCapture(ignore);
+    desktop.draw(window);
+    desktop.advance(Seconds(5));
+    EXPECT_EQ(samples, 3);
+}
+
+TEST_F(SimulatedDesktopTest, AStreamOfAClosedWindowDoesNotStart) {
+    const auto stream = makeStreamWithOutput();
+    desktop.close(window);
+    std::optional<CaptureError> failure;
+    stream->startCapture([&](const auto& error) { failure = error; });
+    EXPECT_FALSE(failure) << "never inside the call";
+    desktop.runUntilIdle();
+    EXPECT_TRUE(failure);
+}
+
+TEST_F(SimulatedDesktopTest, HeldCompletionsArriveInTheOrderThatTheTestChooses) {
+    auto& capture = desktop.screenCapture();
+    capture.hold(CaptureOperation::shareableContent);
+    std::vector<int> order;
+    for (const int request : {0, 1, 2}) {
+        capture.getShareableContent(false, false, [&order, request](const auto&) { order.push_back(request); });
+    }
+    desktop.runUntilIdle();
+    EXPECT_TRUE(order.empty());
+    capture.complete(CaptureOperation::shareableContent, 2);
+    desktop.runUntilIdle();
+    capture.release(CaptureOperation::shareableContent);
+    desktop.runUntilIdle();
+    EXPECT_EQ(order, (std::vector{2, 0, 1}));
+}
+
+TEST_F(SimulatedDesktopDeathTest, StreamsKeepTheOrderOfTheirCalls) {
+    const auto bare = makeStream();
+    EXPECT_DEATH(bare->startCapture(ignore), "CaptureStream::startCapture without an output");
+    EXPECT_DEATH(bare->stopCapture(ignore), "CaptureStream::stopCapture of a stream that does not run");
+    EXPECT_DEATH(bare->updateConfiguration(configuration, ignore), "CaptureStream::updateConfiguration of a stream");
+    const auto stream = makeStreamWithOutput();
+    stream->startCapture(ignore);
+    EXPECT_DEATH(stream->startCapture(ignore), "of a stream that was started already");
+    desktop.runUntilIdle();
+    stream->stopCapture(ignore);
+    EXPECT_DEATH(stream->stopCapture(ignore), "CaptureStream::stopCapture of a stream that does not run");
+    EXPECT_DEATH(stream->startCapture(ignore), "of a stream that was started already");
+    EXPECT_DEATH(stream->updateConfiguration(configuration, ignore), "of a stream that does not run");
+}
+
+TEST_F(SimulatedDesktopDeathTest, ImpossibleCaptureArguments) {
+    auto& capture = desktop.screenCapture();
+    EXPECT_DEATH(static_cast<void>(capture.makeFilter(nullptr)), "ScreenCapture::makeFilter without a window");
+    EXPECT_DEATH(capture.captureImage(nullptr, configuration, {}), "ScreenCapture::captureImage without a filter");
+    configuration.width = 0;
+    EXPECT_DEATH(makeStream(), "ScreenCapture::makeStream with a configuration of 0x1 pixels");
+    configuration.width = 1;
+    configuration.queueDepth = 9;
+    EXPECT_DEATH(makeStream(), "ScreenCapture::makeStream with a configuration of 1x1 pixels, 9 frames");
+    EXPECT_DEATH(capture.complete(CaptureOperation::screenshot), "completion 0 of 0 that are held");
+}
+
+// Files, settings, windows, the application
+
+TEST_F(SimulatedDesktopDeathTest, FilesAreUsedWhileTheyAreOpen) {
+    auto& files = desktop.fileSystem();
+    const int descriptor = files.openForAppending("/Users/anna/Library/file", 0600);
+    files.close(descriptor);
+    EXPECT_DEATH(files.write(descriptor, "text"), "FileSystem::write to the descriptor 3, which is not open");
+    EXPECT_DEATH(files.close(descriptor), "FileSystem::close of the descriptor 3, which is not open");
+    EXPECT_DEATH(files.createDirectory("relative", 0700), "\"relative\", which is not absolute");
+}
+
+TEST_F(SimulatedDesktopDeathTest, TheWindowListHasKnownOptionsThatFitTogether) {
+    auto& server = desktop.windowServer();
+    EXPECT_DEATH(static_cast<void>(server.copyWindowInfo(4, nullWindowID)), "with the unknown options 4");
+    EXPECT_DEATH(static_cast<void>(server.copyWindowInfo(windowListIncludingWindow, nullWindowID)), "options 8");
+    EXPECT_DEATH(static_cast<void>(server.copyWindowInfo(windowListOnScreenOnly, window)), "options 1");
+}
+
+TEST_F(SimulatedDesktopDeathTest, ScenariosAreAboutWhatExists) {
+    EXPECT_DEATH(desktop.activate(99), "no application with the process identifier 99 runs");
+    EXPECT_DEATH(desktop.close(99), "no window 99 is open");
+}
+
+TEST_F(SimulatedDesktopDeathTest, SettingsHaveKeys) {
+    EXPECT_DEATH(desktop.userDefaults().set("", true), "UserDefaults::set with an empty key");
+}
+
+TEST_F(SimulatedDesktopDeathTest, TheApplicationRunsOnceWithADelegateAndEnds) {
+    auto& application = *desktop.sharedApplication();
+    EXPECT_DEATH(application.run(), "Application::run without a living delegate");
+    struct ApplicationRecorder : ApplicationDelegate {
+        void applicationDidFinishLaunching() override {}
+        void applicationWillTerminate() override {}
+        bool applicationShouldHandleReopen(bool) override { return true; }
+        ScriptReply performScriptCommand(const ScriptCommand&) override { return {}; }
+    };
+    const auto applicationDelegate = std::make_shared<ApplicationRecorder>();
+    application.setDelegate(applicationDelegate);
+    EXPECT_DEATH(application.run(), "Application::run would never end");
+    application.whileRunning([&] { application.terminate(); });
+    application.run();
+    EXPECT_DEATH(application.run(), "Application::run for the second time");
+}
+
+TEST_F(SimulatedDesktopTest, AccessibilityNeedsTrustAndALivingApplication) {
+    const auto element = desktop.accessibility().applicationElement(notes);
+    EXPECT_EQ(element->copyAttributeValue("AXFocusedWindow").error, AccessibilityError::success);
+    EXPECT_EQ(element->copyAttributeValue("AXUnknown").error, AccessibilityError::attributeUnsupported);
+    const auto focused = desktop.accessibility().window(window);
+    EXPECT_EQ(focused->copyAttributeValue("AXUnknown").error, AccessibilityError::attributeUnsupported);
+    desktop.accessibility().setTrusted(false);
+    focused->setAttribute("AXTitle", std::string("gesetzt"));
+    EXPECT_EQ(element->copyAttributeValue("AXFocusedWindow").error, AccessibilityError::apiDisabled);
+    EXPECT_EQ(focused->copyAttributeValue("AXTitle").error, AccessibilityError::apiDisabled);
+    desktop.accessibility().setTrusted(true);
+    desktop.terminate(notes);
+    EXPECT_EQ(element->copyAttributeValue("AXFocusedWindow").error, AccessibilityError::invalidUIElement);
+    EXPECT_EQ(focused->copyAttributeValue("AXSize").error, AccessibilityError::invalidUIElement);
+    const auto windowless = desktop.launch("Musica");
+    EXPECT_EQ(desktop.accessibility().applicationElement(windowless)->copyAttributeValue("AXFocusedWindow").error,
+              AccessibilityError::noValue);
+}
+
+TEST_F(SimulatedDesktopTest, SwitchingAnnouncesOncePerChangeOfTheApplication) {
+    std::vector<ProcessID> activated;
+    const auto token = desktop.workspace().observeDidActivateApplication(
+        [&](const auto& application) { activated.push_back(application->processIdentifier); });
+    const auto mail = desktop.launch("Mail");
+    const auto second = desktop.openWindow(notes, "Viaggio", here);
+    desktop.activateWindow(window);
+    desktop.activateWindow(second);
+    desktop.activate(mail);
+    EXPECT_TRUE(activated.empty()) << "announcements wait on the main queue";
+    desktop.runUntilIdle();
+    EXPECT_EQ(activated, (std::vector{notes, mail}));
+}
+
+} // namespace
+} // namespace quillon

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "Program.h"
+
+#include <filesystem>
+#include <memory>
+
+namespace quillon::e2e {
+
+enum class WindowManager {
+    none,
+    openbox,
+    /// With its compositor on.
+    xfwm4,
+};
+
+struct DesktopOptions {
+    WindowManager windowManager = WindowManager::openbox;
+    /// The Xft.dpi resource.
+    int dpi = 96;
+    /// For the X server, beside those that every test needs.
+    std::vector<std::string> serverOptions{};
+};
+
+/// A desktop of the test's own: an X server, a D-Bus session, a window manager and empty user directories. All
+/// of it ends with the object.
+class Desktop {
+public:
+    explicit Desktop(const DesktopOptions& options);
+    ~Desktop();
+    Desktop(const Desktop&) = delete;
+    Desktop& operator=(const Desktop&) = delete;
+
+    /// What programs of this desktop run with: nothing of the environment of the test but the path, and settings
+    /// that keep the pictures of toolkits still (no blinking, no animations).
+    [[nodiscard]] const Environment& environment() const { return variables; }
+    [[nodiscard]] const std::string& displayName() const { return variables.at("DISPLAY"); }
+    [[nodiscard]] const std::filesystem::path& directory() const { return root; }
+
+    [[nodiscard]] std::unique_ptr<Program> start(const Command& command) const;
+
+    /// The X server ends, and everything on it with it.
+    void stopServer();
+
+private:
+    void makeDirectories();
+    void startServer(const DesktopOptions& options);
+    void startSessionBus();
+    void startWindowManager(const DesktopOptions& options);
+
+    std::filesystem::path root;
+    Environment variables;
+    /// In the order of their start; ended in the opposite order.
+    std::vector<std::unique_ptr<Program>> programs;
+};
+
+} // namespace quillon::e2e

@@ -48,7 +48,7 @@ struct Connection::Tables {
     void applySelection(xcb_window_t window);
     void endSelection(xcb_window_t window, std::uint64_t number);
     void endReply(unsigned sequence, std::uint64_t number);
-    bool deliverReply();
+    bool deliverReply(std::optional<unsigned> latest = std::nullopt);
 };
 
 namespace {
@@ -265,9 +265,14 @@ void Connection::Tables::endReply(unsigned sequence, std::uint64_t number) {
     }
 }
 
-/// Hands out the first reply that has arrived; false when there is none.
-bool Connection::Tables::deliverReply() {
+/// Hands out the first reply that has arrived, of the requests up to the latest one if that is given; false when
+/// there is none.
+bool Connection::Tables::deliverReply(std::optional<unsigned> latest) {
     for (auto entry = replies.begin(); entry != replies.end(); ++entry) {
+        // Sequence numbers wrap, so their distance counts.
+        if (latest && static_cast<std::int32_t>(entry->first - *latest) > 0) {
+            continue;
+        }
         void* reply = nullptr;
         xcb_generic_error_t* error = nullptr;
         if (xcb_poll_for_reply(connection, entry->first, &reply, &error) == 0) {
@@ -380,6 +385,9 @@ void Connection::mayFail(xcb_void_cookie_t cookie) {
 void Connection::processEvents() {
     do {
         while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(connection)}) {
+            // In the server's order: a reply may tell of a state that the event ends.
+            while (tables->deliverReply(event->full_sequence)) {
+            }
             dispatch(*event);
         }
         // A handler may have waited for a reply, and events may have been read meanwhile.

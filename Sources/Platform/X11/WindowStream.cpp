@@ -42,8 +42,10 @@ void WindowStream::startCapture(Completion completion) {
         return;
     }
     state = State::starting;
-    source->whenKnown(
-        [self = shared_from_this(), completion = std::move(completion)] { self->sourceKnown(completion); });
+    // A turn later, so that a window whose end has been announced already is known to be gone.
+    scheduler.mainAsync([self = shared_from_this(), completion = std::move(completion)] {
+        self->source->whenKnown([self, completion] { self->sourceKnown(completion); });
+    });
 }
 
 void WindowStream::sourceKnown(const Completion& completion) {

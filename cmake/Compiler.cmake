@@ -8,7 +8,9 @@ target_compile_options(quillon_compiler INTERFACE
 
 if(QUILLON_SANITIZE)
     target_compile_options(quillon_compiler INTERFACE
-        -fsanitize=${QUILLON_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+        -fsanitize=${QUILLON_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
+        # GCC 12 takes the sanitizers' own checks of a std::optional for uses of its value.
+        $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
     target_link_options(quillon_compiler INTERFACE -fsanitize=${QUILLON_SANITIZE})
 endif()
 

@@ -12,6 +12,7 @@ declare -A packages=(
     [test]="clang xvfb openbox xfwm4 dbus-daemon xterm gtk-3-examples featherpad x11-xserver-utils"
     [demonstration]="xvfb openbox dbus-daemon xterm gtk-3-examples x11-utils x11-xserver-utils
         xdotool imagemagick"
+    [benchmark]="gstreamer1.0-tools gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-x"
     [coverage]="gcovr"
     [lint]="clang-format clang-tidy shellcheck"
     [fresh-root]="debootstrap"

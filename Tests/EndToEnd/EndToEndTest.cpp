@@ -37,6 +37,9 @@ Sample EndToEndTest::startSample(const std::vector<std::string>& arguments) {
 
 Sample EndToEndTest::coverEverything() {
     auto cover = startSample({"--place", "20,40,1550,1130", "--title", "Cover"});
+    // Unlike anything that a test shows in the window under it.
+    constexpr std::uint32_t coverContent = 1000;
+    showContent(cover.window(), coverContent);
     activate(cover.window());
     return cover;
 }

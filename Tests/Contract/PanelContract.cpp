@@ -1,4 +1,4 @@
-#include "ContractTest.h"
+#include "CaptureTest.h"
 
 #include "Platform/Panel.h"
 #include "Platform/Workspace.h"
@@ -36,7 +36,7 @@ struct RecordingView : ViewDelegate {
     int drawings = 0;
 };
 
-class PanelContract : public ContractTest {
+class PanelContract : public CaptureTest {
 protected:
     PanelContract() {
         delegate.panel = panel.get();
@@ -44,6 +44,16 @@ protected:
         view->addSublayer(*layer);
         view->setResizesWithContainer();
         panel->setContentView(*view);
+    }
+
+    /// Shows the panel with a picture, without which nothing of it can be seen or hit.
+    void showWithPicture() {
+        const auto source = world->openWindow("Sorgente", {{900, 500}, {200, 150}});
+        const auto picture = screenshot(capture().makeFilter(record(source)));
+        layer->setContents(std::get<std::shared_ptr<Surface>>(picture));
+        panel->setLevel(floatingWindowLevel);
+        panel->orderFront();
+        pass(quietTime);
     }
 
     RecordingDelegate delegate;
@@ -89,7 +99,7 @@ TEST_F(PanelContract, AShownPanelDrawsItsSubviews) {
     RecordingView gripDelegate;
     const auto grip = desktop().views().makeView({{0, 0}, {10, 10}}, gripDelegate);
     view->addSubview(*grip);
-    panel->orderFront();
+    showWithPicture();
     EXPECT_TRUE(eventually([&] { return gripDelegate.drawings > 0; }));
     EXPECT_EQ(grip->bounds(), (WindowRect{{0, 0}, {10, 10}}));
     panel.reset();
@@ -97,9 +107,7 @@ TEST_F(PanelContract, AShownPanelDrawsItsSubviews) {
 }
 
 TEST_F(PanelContract, AClickReachesTheDelegateWithItsPlaceAndTheInheritedDispatchThePanel) {
-    panel->setLevel(floatingWindowLevel);
-    panel->orderFront();
-    pass(quietTime);
+    showWithPicture();
     world->click({place.minX() + 40, place.minY() + 30});
     ASSERT_TRUE(eventually([&] { return delegate.events.size() >= 2; }));
     EXPECT_EQ(delegate.events.front().type, EventType::leftMouseDown);
@@ -111,15 +119,15 @@ TEST_F(PanelContract, AClickReachesTheDelegateWithItsPlaceAndTheInheritedDispatc
 
 TEST_F(PanelContract, AnEventThatIsNotPassedOnGoesNoFurther) {
     delegate.passesOn = false;
-    panel->setLevel(floatingWindowLevel);
-    panel->orderFront();
-    pass(quietTime);
+    showWithPicture();
     world->click({place.minX() + 40, place.minY() + 30});
     ASSERT_TRUE(eventually([&] { return delegate.events.size() >= 2; }));
     EXPECT_TRUE(stays([&] { return delegate.presses.empty(); }));
 }
 
 TEST_F(PanelContract, NeitherShowingNorClickingAPanelActivatesThisProgram) {
+    showWithPicture();
+    panel->orderOut();
     const auto window = world->openWindow("Primo", {{20, 20}, {300, 200}});
     world->activate(window);
     const auto isFrontmost = [&] {

@@ -1,8 +1,7 @@
-#include "ContractTest.h"
+#include "CaptureTest.h"
 
 #include "Platform/ScreenCapture.h"
 
-#include <algorithm>
 #include <mutex>
 
 namespace quillon::contract {
@@ -10,60 +9,10 @@ namespace {
 
 constexpr DisplayRect here{{100, 120}, {400, 300}};
 
-/// What a completion said; it may come on any thread.
-template <class Result>
-class Answer {
-public:
-    void operator()(const Result& given) {
-        const std::lock_guard lock(mutex);
-        result = given;
-    }
-    std::optional<Result> get() {
-        const std::lock_guard lock(mutex);
-        return result;
-    }
-    void clear() {
-        const std::lock_guard lock(mutex);
-        result.reset();
-    }
-
-private:
-    std::mutex mutex;
-    std::optional<Result> result;
-};
-
 using Outcome = std::optional<CaptureError>;
 
-class ScreenCaptureContract : public ContractTest {
+class ScreenCaptureContract : public CaptureTest {
 protected:
-    ScreenCapture& capture() { return desktop().screenCapture(); }
-
-    std::vector<std::shared_ptr<CaptureWindow>> content() {
-        Answer<std::variant<ShareableContent, CaptureError>> answer;
-        capture().getShareableContent(false, false, [&](const auto& result) { answer(result); });
-        EXPECT_TRUE(eventually([&] { return answer.get().has_value(); }));
-        return std::get<ShareableContent>(answer.get().value()).windows;
-    }
-
-    std::shared_ptr<CaptureWindow> record(const OtherWindow& window) {
-        const auto windows = content();
-        const auto found = std::find_if(windows.begin(), windows.end(),
-                                        [&](const auto& entry) { return entry->windowID() == window.windowID; });
-        return found == windows.end() ? nullptr : *found;
-    }
-
-    static StreamConfiguration configuration(std::int64_t width, std::int64_t height, double interval) {
-        StreamConfiguration result;
-        result.width = width;
-        result.height = height;
-        result.captureResolution = CaptureResolution::best;
-        result.scalesToFit = true;
-        result.showsCursor = false;
-        result.queueDepth = 5;
-        result.minimumFrameInterval = {interval, 600};
-        return result;
-    }
-
     /// A stream of the window whose frames are counted.
     void makeStream(const std::shared_ptr<CaptureWindow>& window, const StreamConfiguration& settings) {
         stream = capture().makeStream(capture().makeFilter(window), settings,
@@ -251,12 +200,7 @@ TEST_F(ScreenCaptureContract, ASecondStreamOfTheSameWindowWorksWhileTheFirstStop
 
 TEST_F(ScreenCaptureContract, AScreenshotOfAWindowIsASurface) {
     const auto window = world->openWindow("Primo", here);
-    Answer<std::variant<std::shared_ptr<Surface>, CaptureError>> answer;
-    capture().captureImage(capture().makeFilter(record(window)), configuration(400, 300, 0.02),
-                           [&](const auto& result) { answer(result); });
-    EXPECT_FALSE(answer.get());
-    ASSERT_TRUE(eventually([&] { return answer.get().has_value(); }));
-    const auto result = answer.get().value();
+    const auto result = screenshot(capture().makeFilter(record(window)));
     const auto* surface = std::get_if<std::shared_ptr<Surface>>(&result);
     ASSERT_NE(surface, nullptr);
     EXPECT_NE(*surface, nullptr);
@@ -267,10 +211,7 @@ TEST_F(ScreenCaptureContract, AScreenshotOfAClosedWindowIsAnError) {
     const auto filter = capture().makeFilter(record(window));
     world->close(window);
     ASSERT_TRUE(eventually([&] { return record(window) == nullptr; }));
-    Answer<std::variant<std::shared_ptr<Surface>, CaptureError>> answer;
-    capture().captureImage(filter, configuration(400, 300, 0.02), [&](const auto& result) { answer(result); });
-    ASSERT_TRUE(eventually([&] { return answer.get().has_value(); }));
-    EXPECT_TRUE(std::holds_alternative<CaptureError>(answer.get().value()));
+    EXPECT_TRUE(std::holds_alternative<CaptureError>(screenshot(filter)));
 }
 
 } // namespace

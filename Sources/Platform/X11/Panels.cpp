@@ -26,6 +26,9 @@ X11Panel::X11Panel(Connection& connection, Scheduler& scheduler, Screens& screen
       fullScreenChanges(this->fullScreen->observe([this] { followFullScreen(); })) {}
 
 X11Panel::~X11Panel() {
+    if (contentView != nullptr) {
+        contentView->setOnContents(nullptr);
+    }
     removeWindow();
 }
 
@@ -59,7 +62,7 @@ void X11Panel::setCollectionBehavior(CollectionBehavior behavior) {
 
 void X11Panel::changeStacking(const PanelStacking& newStacking) {
     const auto before = std::exchange(stacking, newStacking);
-    if (isOrderedIn) {
+    if (isMapped) {
         window->changeStacking(before, stacking);
         followFullScreen();
     }
@@ -71,7 +74,7 @@ bool X11Panel::liesOverFullScreen() const {
 
 /// A window cannot change hands without a race with the window manager: another one takes its place.
 void X11Panel::followFullScreen() {
-    if (isOrderedIn && window->isManaged() == liesOverFullScreen()) {
+    if (isMapped && window->isManaged() == liesOverFullScreen()) {
         makeWindow();
         window->map(stacking);
     }
@@ -106,19 +109,27 @@ void X11Panel::animateAlphaValue(double target, Seconds duration) {
 }
 
 void X11Panel::order(xcb_stack_mode_t mode) {
-    if (isOrderedIn) {
+    if (isMapped) {
         window->restack(mode);
+        return;
+    }
+    isOrderedIn = true;
+    showWindow();
+}
+
+void X11Panel::showWindow() {
+    if (!isOrderedIn || isMapped || contentView == nullptr || !contentView->contentsGeometry()) {
         return;
     }
     makeWindow();
     window->map(stacking);
-    isOrderedIn = true;
+    isMapped = true;
 }
 
-/// Makes the window, unless there is one of the right kind and of the depth that the contents have by now.
+/// Makes the window of a panel with contents, unless there is one of the right kind and of the depth that they have
+/// by now.
 void X11Panel::makeWindow() {
-    const auto contents = contentView != nullptr ? contentView->contentsGeometry() : std::nullopt;
-    auto depth = contents ? contents->depth : connection.screen().root_depth;
+    auto depth = contentView->contentsGeometry()->depth;
     auto visual = formats->visualOfDepth(depth);
     if (!visual) {
         depth = connection.screen().root_depth;
@@ -134,9 +145,7 @@ void X11Panel::makeWindow() {
     events = connection.observeWindow(window->id(), [this](const auto& event) { handle(event); });
     selection = connection.selectInput(window->id(), XCB_EVENT_MASK_EXPOSURE | PanelInput::eventMask);
     canvas.emplace(connection, *formats, window->id(), depth, *visual);
-    if (contentView != nullptr) {
-        contentView->setCanvas(&*canvas);
-    }
+    contentView->setCanvas(&*canvas);
 }
 
 void X11Panel::removeWindow() {
@@ -151,7 +160,8 @@ void X11Panel::removeWindow() {
 }
 
 void X11Panel::orderOut() {
-    if (std::exchange(isOrderedIn, false)) {
+    isOrderedIn = false;
+    if (std::exchange(isMapped, false)) {
         window->unmap();
     }
 }
@@ -159,6 +169,7 @@ void X11Panel::orderOut() {
 void X11Panel::setContentView(View& view) {
     contentView = &static_cast<X11View&>(view);
     contentView->setFrame({{0, 0}, requestedFrame.size});
+    contentView->setOnContents([this] { showWindow(); });
     if (canvas) {
         contentView->setCanvas(&*canvas);
     }

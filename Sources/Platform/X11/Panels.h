@@ -20,6 +20,8 @@ namespace quillon::x11 {
 /// copied pixel by pixel, transparency included. The panel's frame is the one that was asked for last: the window
 /// manager is told, not asked.
 ///
+/// Nothing can be seen of a panel without a picture, so the window of one that is ordered in waits for it.
+///
 /// Window managers keep managed windows beneath an active full-screen window. While there is one, a panel that may
 /// lie over it has an unmanaged window instead. Main thread.
 class X11Panel final : public Panel {
@@ -45,6 +47,7 @@ public:
 
 private:
     void order(xcb_stack_mode_t mode);
+    void showWindow();
     void makeWindow();
     void removeWindow();
     void changeStacking(const PanelStacking& newStacking);
@@ -65,6 +68,7 @@ private:
     bool isFullScreenAuxiliary = false;
     double alpha = 1;
     bool isOrderedIn = false;
+    bool isMapped = false;
     X11View* contentView = nullptr;
     PanelInput input;
     std::optional<PanelWindow> window;

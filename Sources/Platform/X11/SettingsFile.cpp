@@ -79,6 +79,16 @@ std::string positionText(const std::string& content, std::size_t byte) {
     return fmt::format("riga {}, colonna {}", line, 1 + (end - lastBreak));
 }
 
+/// The name, or the first one with a number behind it, that no file has.
+std::string freeName(const std::string& name) {
+    auto candidate = name;
+    struct stat found {};
+    for (int number = 2; lstat(candidate.c_str(), &found) == 0; ++number) {
+        candidate = fmt::format("{}.{}", name, number);
+    }
+    return candidate;
+}
+
 } // namespace
 
 std::string SettingsFile::damagedText(const std::string& problem) const {
@@ -119,7 +129,7 @@ std::optional<std::string> SettingsFile::change(const json& fallback, const std:
     flock(lock.get(), LOCK_EX);
     auto content = read();
     if (std::holds_alternative<std::string>(content)) {
-        const auto kept = path + ".damaged";
+        const auto kept = freeName(path + ".damaged");
         if (rename(path.c_str(), kept.c_str()) != 0) {
             return fmt::format("Impossibile mettere da parte il file danneggiato «{}»: {}", path, systemError());
         }

@@ -88,8 +88,11 @@ void X11Layer::setContents(std::shared_ptr<Surface> newContents) {
     contents = std::move(next);
     if (isChange) {
         drawChange();
-    } else {
-        drawAll();
+        return;
+    }
+    drawAll();
+    if (owner != nullptr) {
+        owner->contentsReplaced();
     }
 }
 
@@ -264,6 +267,12 @@ PixelRect X11View::windowRect(const WindowRect& rect) const {
     const int left = pixels(origin.x);
     const int top = height - pixels(origin.y + rect.size.height);
     return {left, top, pixels(origin.x + rect.size.width) - left, height - pixels(origin.y) - top};
+}
+
+void X11View::contentsReplaced() const {
+    if (const auto& callback = root().onContents) {
+        callback();
+    }
 }
 
 void X11View::setCanvas(WindowCanvas* newCanvas) {

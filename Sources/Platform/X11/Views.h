@@ -7,9 +7,11 @@
 #include "Platform/X11/ViewDrawing.h"
 #include "Platform/X11/WindowCanvas.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace quillon::x11 {
@@ -81,6 +83,9 @@ public:
     void addSubview(View& view) override;
     void layoutSubtreeIfNeeded() override;
 
+    /// For a content view: called when a picture in the tree was replaced by another one.
+    void setOnContents(std::function<void()> callback) { onContents = std::move(callback); }
+    void contentsReplaced() const;
     /// For a content view: shows the tree on the canvas, which must stay until it is replaced; null for none.
     void setCanvas(WindowCanvas* newCanvas);
     /// The canvas of the window that the view is in.
@@ -109,6 +114,7 @@ private:
     /// Of a content view: the window is drawn once, when all changes are made.
     bool isGathering = false;
     X11View* parent = nullptr;
+    std::function<void()> onContents;
     WindowCanvas* ownCanvas = nullptr;
     std::vector<X11Layer*> layers;
     std::vector<X11View*> subviews;

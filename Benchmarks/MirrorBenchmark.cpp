@@ -69,7 +69,7 @@ void printCosts(MirrorBench& bench, double seconds) {
             }
             std::printf("%-22s %-6s %9.2f %9.2f %10.2f %8.2f ", activity.name.c_str(), size.name, alone, quillon,
                         pipelineCost, quillon / pipelineCost);
-            if (frames > 0) {
+            if (activity.contentsPerSecond > 0) {
                 const double forFrames = static_cast<double>(woken) - atRest * seconds;
                 std::printf("%12.2f\n", forFrames / static_cast<double>(frames));
             } else {

@@ -30,7 +30,10 @@ public:
     void close(const OtherWindow& window) override { desktop.close(window.windowID); }
     void kill(const OtherWindow& window) override { desktop.terminate(window.pid); }
     void click(const ScreenPoint& point) override { desktop.click(point); }
-    void changeScreens() override { desktop.changeScreens({{{{0, 0}, {1200, 900}}, 1}}); }
+    bool changeScreens() override {
+        desktop.changeScreens({{{{0, 0}, {1200, 900}}, 1}});
+        return true;
+    }
 
     std::optional<std::string> fileContent(const std::string& path) override {
         return desktop.fileSystem().content(path);

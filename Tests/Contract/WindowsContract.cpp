@@ -216,7 +216,9 @@ TEST_F(ScreensContract, AChangeOfTheScreensIsAnnounced) {
     const auto observer =
         desktop().notificationCenter().addObserver(screenParametersDidChangeNotification, [&] { ++changes; });
     const auto before = desktop().screens().screens().front().frame;
-    world->changeScreens();
+    if (!world->changeScreens()) {
+        GTEST_SKIP() << "no program can change the screens of this desktop";
+    }
     EXPECT_TRUE(eventually([&] { return changes > 0; }));
     EXPECT_NE(desktop().screens().screens().front().frame, before);
 }

@@ -49,8 +49,8 @@ public:
     virtual void kill(const OtherWindow& window) = 0;
     /// The user presses and releases the left button at a point of the panels' coordinates.
     virtual void click(const ScreenPoint& point) = 0;
-    /// Changes the number or the size of the screens.
-    virtual void changeScreens() = 0;
+    /// Changes the number or the size of the screens; false when a program cannot do that on this desktop.
+    [[nodiscard]] virtual bool changeScreens() = 0;
 
     /// What a file holds, and its permission bits; none when there is no such file. Directories have bits only.
     virtual std::optional<std::string> fileContent(const std::string& path) = 0;

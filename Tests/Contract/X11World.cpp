@@ -1,4 +1,4 @@
-#include "World.h"
+#include "RealFilesWorld.h"
 
 #include "Desktop.h"
 #include "XClient.h"
@@ -12,9 +12,6 @@
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <vector>
 
@@ -30,7 +27,7 @@ Rect pixels(const DisplayRect& rect) {
 }
 
 /// The platform on a real X server, in this process; the other programs are real ones.
-class X11World final : public World {
+class X11World final : public RealFilesWorld {
 public:
     X11World() {
         // The platform looks for its display and its files where the environment says.
@@ -125,7 +122,7 @@ public:
         client.pressButton(1);
         client.releaseButton(1);
     }
-    void changeScreens() override {
+    bool changeScreens() override {
         for (const auto& arguments : std::vector<e2e::Command>{
                  {"--newmode", "smaller", "30", "1200", "1200", "1200", "1200", "900", "900", "900", "900"},
                  {"--addmode", "screen", "smaller"},
@@ -134,25 +131,7 @@ public:
             command.insert(command.end(), arguments.begin(), arguments.end());
             require(e2e::run(command, desktop.environment()).status == 0);
         }
-    }
-
-    std::optional<std::string> fileContent(const std::string& path) override {
-        std::ifstream file(path, std::ios::binary);
-        if (!file) {
-            return std::nullopt;
-        }
-        return std::string(std::istreambuf_iterator<char>(file), {});
-    }
-    std::optional<unsigned> permissions(const std::string& path) override {
-        std::error_code error;
-        const auto status = std::filesystem::symlink_status(path, error);
-        if (!std::filesystem::exists(status)) {
-            return std::nullopt;
-        }
-        return static_cast<unsigned>(status.permissions());
-    }
-    void makeSymbolicLink(const std::string& target, const std::string& path) override {
-        std::filesystem::create_symlink(target, path);
+        return true;
     }
 
 private:

@@ -1,4 +1,4 @@
-// The application, panels, views, drawing, events, screens and running applications.
+// The application, windows, panels, views, drawing, events, screens and running applications.
 #pragma once
 
 #include <Foundation/Foundation.h>
@@ -10,6 +10,7 @@ NS_ASSUME_NONNULL_BEGIN
 @class NSEvent;
 @class NSScreen;
 @class NSView;
+@protocol NSWindowDelegate;
 
 typedef NS_ENUM(NSUInteger, NSEventType) {
     NSEventTypeLeftMouseDown = 1,
@@ -29,6 +30,9 @@ typedef NS_ENUM(NSUInteger, NSEventType) {
     NSEventTypeOtherMouseDown = 25,
     NSEventTypeOtherMouseUp = 26,
     NSEventTypeOtherMouseDragged = 27,
+};
+typedef NS_OPTIONS(unsigned long long, NSEventMask) {
+    NSEventMaskAny = NSUIntegerMax,
 };
 typedef NS_OPTIONS(NSUInteger, NSEventModifierFlags) {
     NSEventModifierFlagShift = 1 << 17,
@@ -65,16 +69,29 @@ typedef NS_ENUM(NSInteger, NSApplicationActivationPolicy) {
 @property(class, readonly, strong) __kindof NSApplication* sharedApplication;
 @property(nullable, weak) id<NSApplicationDelegate> delegate;
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)activationPolicy;
+- (void)finishLaunching;
 - (void)run;
+- (nullable NSEvent*)nextEventMatchingMask:(NSEventMask)mask
+                                 untilDate:(nullable NSDate*)expiration
+                                    inMode:(NSRunLoopMode)mode
+                                   dequeue:(BOOL)deqFlag;
+- (void)sendEvent:(NSEvent*)event;
+- (void)updateWindows;
 - (void)terminate:(nullable id)sender;
 @end
 
 @interface NSColor : NSObject <NSCopying>
 @property(class, strong, readonly) NSColor* clearColor;
 + (NSColor*)colorWithWhite:(CGFloat)white alpha:(CGFloat)alpha;
++ (NSColor*)colorWithHue:(CGFloat)hue
+              saturation:(CGFloat)saturation
+              brightness:(CGFloat)brightness
+                   alpha:(CGFloat)alpha;
 - (void)setFill;
 - (void)setStroke;
 @end
+
+extern "C" void NSRectFill(NSRect rect);
 
 typedef NS_ENUM(NSUInteger, NSLineCapStyle) {
     NSLineCapStyleButt = 0,
@@ -114,6 +131,7 @@ typedef NS_OPTIONS(NSUInteger, NSAutoresizingMaskOptions) {
 @property NSAutoresizingMaskOptions autoresizingMask;
 @property BOOL wantsLayer;
 @property(nullable, strong) CALayer* layer;
+@property BOOL needsDisplay;
 @property BOOL needsLayout;
 - (void)setFrameSize:(NSSize)newSize;
 - (void)addSubview:(NSView*)view;
@@ -128,12 +146,27 @@ typedef NSInteger NSWindowLevel;
 typedef NS_ENUM(NSUInteger, NSBackingStoreType) { NSBackingStoreBuffered = 2 };
 typedef NS_OPTIONS(NSUInteger, NSWindowStyleMask) {
     NSWindowStyleMaskBorderless = 0,
+    NSWindowStyleMaskTitled = 1 << 0,
+    NSWindowStyleMaskClosable = 1 << 1,
+    NSWindowStyleMaskMiniaturizable = 1 << 2,
+    NSWindowStyleMaskResizable = 1 << 3,
     NSWindowStyleMaskNonactivatingPanel = 1 << 7,
+    NSWindowStyleMaskFullSizeContentView = 1 << 15,
 };
 typedef NS_OPTIONS(NSUInteger, NSWindowCollectionBehavior) {
     NSWindowCollectionBehaviorDefault = 0,
     NSWindowCollectionBehaviorCanJoinAllSpaces = 1 << 0,
     NSWindowCollectionBehaviorFullScreenAuxiliary = 1 << 8,
+};
+
+typedef NS_ENUM(NSInteger, NSWindowAnimationBehavior) {
+    NSWindowAnimationBehaviorDefault = 0,
+    NSWindowAnimationBehaviorNone = 2,
+};
+typedef NS_ENUM(NSInteger, NSWindowTabbingMode) {
+    NSWindowTabbingModeAutomatic,
+    NSWindowTabbingModePreferred,
+    NSWindowTabbingModeDisallowed,
 };
 
 @interface NSWindow : NSResponder <NSAnimatablePropertyContainer>
@@ -142,23 +175,39 @@ typedef NS_OPTIONS(NSUInteger, NSWindowCollectionBehavior) {
                             backing:(NSBackingStoreType)backingStoreType
                               defer:(BOOL)flag NS_DESIGNATED_INITIALIZER;
 @property(readonly) NSRect frame;
+@property(copy) NSString* title;
 @property(nullable, strong) __kindof NSView* contentView;
+@property(nullable, weak) id<NSWindowDelegate> delegate;
+@property(readonly) NSInteger windowNumber;
 @property(null_resettable, copy) NSColor* backgroundColor;
 @property(nullable, readonly, strong) NSScreen* screen;
 @property(getter=isReleasedWhenClosed) BOOL releasedWhenClosed;
 @property(getter=isVisible, readonly) BOOL visible;
+@property(getter=isKeyWindow, readonly) BOOL keyWindow;
 @property(getter=isOpaque) BOOL opaque;
 @property BOOL hidesOnDeactivate;
 @property BOOL hasShadow;
 @property CGFloat alphaValue;
 @property NSWindowLevel level;
 @property NSWindowCollectionBehavior collectionBehavior;
+@property NSWindowAnimationBehavior animationBehavior;
+@property NSWindowTabbingMode tabbingMode;
+- (NSRect)constrainFrameRect:(NSRect)frameRect toScreen:(nullable NSScreen*)screen;
 - (void)setFrame:(NSRect)frameRect display:(BOOL)flag;
+- (void)displayIfNeeded;
+- (void)miniaturize:(nullable id)sender;
+- (void)makeKeyAndOrderFront:(nullable id)sender;
 - (void)orderFront:(nullable id)sender;
 - (void)orderBack:(nullable id)sender;
 - (void)orderOut:(nullable id)sender;
 - (void)close;
 - (void)sendEvent:(NSEvent*)event;
+@end
+
+@protocol NSWindowDelegate <NSObject>
+@optional
+- (void)windowDidBecomeKey:(NSNotification*)notification;
+- (void)windowDidMiniaturize:(NSNotification*)notification;
 @end
 
 @interface NSPanel : NSWindow

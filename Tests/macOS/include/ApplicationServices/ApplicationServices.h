@@ -18,6 +18,7 @@ typedef CF_ENUM(uint32_t, AXValueType) {
     kAXValueTypeCGPoint = 1,
     kAXValueTypeCGSize = 2,
 };
+#define kAXFrontmostAttribute CFSTR("AXFrontmost")
 typedef const struct __attribute__((objc_bridge(id))) __AXUIElement* AXUIElementRef;
 typedef const struct __attribute__((objc_bridge(id))) __AXValue* AXValueRef;
 
@@ -32,6 +33,7 @@ CFTypeID AXUIElementGetTypeID(void);
 AXUIElementRef AXUIElementCreateApplication(pid_t pid) __attribute__((cf_returns_retained));
 AXError AXUIElementCopyAttributeValue(AXUIElementRef element, CFStringRef attribute,
                                       CFTypeRef _Nullable* _Nonnull __attribute__((cf_returns_retained)) value);
+AXError AXUIElementSetAttributeValue(AXUIElementRef element, CFStringRef attribute, CFTypeRef value);
 
 CFTypeID AXValueGetTypeID(void);
 Boolean AXValueGetValue(AXValueRef value, AXValueType theType, void* valuePtr);

@@ -12,6 +12,9 @@ typedef const struct __attribute__((objc_bridge(NSString))) __CFString* CFString
 typedef const struct __attribute__((objc_bridge(NSArray))) __CFArray* CFArrayRef;
 typedef const struct __attribute__((objc_bridge(NSDictionary))) __CFDictionary* CFDictionaryRef;
 typedef const struct __attribute__((objc_bridge(NSNumber))) __CFNumber* CFNumberRef;
+typedef const struct __attribute__((objc_bridge(NSNumber))) __CFBoolean* CFBooleanRef;
+
+#define CFSTR(text) ((CFStringRef)__builtin___CFStringMakeConstantString("" text ""))
 
 #define CF_ENUM(type, name) NS_ENUM(type, name)
 #define CF_OPTIONS(type, name) NS_OPTIONS(type, name)
@@ -19,6 +22,7 @@ typedef const struct __attribute__((objc_bridge(NSNumber))) __CFNumber* CFNumber
 NS_ASSUME_NONNULL_BEGIN
 
 extern "C" {
+extern const CFBooleanRef kCFBooleanTrue;
 CFTypeRef CFRetain(CFTypeRef object);
 void CFRelease(CFTypeRef object);
 CFTypeID CFGetTypeID(CFTypeRef object);

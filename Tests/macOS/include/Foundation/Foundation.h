@@ -1,4 +1,4 @@
-// Values, collections, user defaults, files, notifications, timers and what the process knows of itself.
+// Values, collections, user defaults, files, notifications, timers, other processes and what this one knows of itself.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -47,6 +47,7 @@ typedef NSUInteger NSStringEncoding;
 enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 
 @interface NSString : NSObject <NSCopying>
++ (nullable instancetype)stringWithUTF8String:(const char*)nullTerminatedCString;
 - (nullable instancetype)initWithBytes:(const void*)bytes length:(NSUInteger)len encoding:(NSStringEncoding)encoding;
 - (nullable NSData*)dataUsingEncoding:(NSStringEncoding)encoding allowLossyConversion:(BOOL)lossy;
 @end
@@ -62,6 +63,8 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 
 @interface NSNumber : NSValue
 + (NSNumber*)numberWithUnsignedInt:(unsigned)value;
++ (NSNumber*)numberWithLong:(long)value;
++ (NSNumber*)numberWithInteger:(NSInteger)value;
 + (NSNumber*)numberWithLongLong:(long long)value;
 + (NSNumber*)numberWithDouble:(double)value;
 + (NSNumber*)numberWithBool:(BOOL)value;
@@ -89,12 +92,20 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 - (NSEnumerator<ObjectType>*)objectEnumerator;
 @end
 
+@interface NSMutableDictionary<KeyType, ObjectType> : NSDictionary <KeyType, ObjectType>
++ (instancetype)dictionary;
+- (void)setObject:(nullable ObjectType)obj forKeyedSubscript:(KeyType<NSCopying>)key;
+- (void)removeObjectForKey:(KeyType)aKey;
+@end
+
 @interface NSError : NSObject <NSCopying>
 @property(readonly) NSInteger code;
+@property(readonly, copy) NSString* localizedDescription;
 @end
 
 @interface NSDate : NSObject <NSCopying>
 + (instancetype)dateWithTimeIntervalSince1970:(NSTimeInterval)seconds;
++ (instancetype)dateWithTimeIntervalSinceNow:(NSTimeInterval)seconds;
 @end
 
 @interface NSFormatter : NSObject <NSCopying>
@@ -106,6 +117,7 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 @end
 
 @interface NSURL : NSObject <NSCopying>
++ (NSURL*)fileURLWithPath:(NSString*)path;
 @property(nullable, readonly, copy) NSString* path;
 @end
 
@@ -137,6 +149,7 @@ extern "C" NSFileAttributeKey const NSFilePosixPermissions;
 typedef NSString* NSNotificationName;
 
 @interface NSNotification : NSObject <NSCopying>
+@property(nullable, readonly, strong) id object;
 @property(nullable, readonly, copy) NSDictionary* userInfo;
 @end
 
@@ -150,11 +163,33 @@ typedef NSString* NSNotificationName;
 - (void)removeObserver:(id)observer;
 @end
 
+typedef NSString* NSRunLoopMode;
+extern "C" NSRunLoopMode const NSDefaultRunLoopMode;
+
 @interface NSTimer : NSObject
 + (NSTimer*)scheduledTimerWithTimeInterval:(NSTimeInterval)interval
                                    repeats:(BOOL)repeats
                                      block:(void (^)(NSTimer* timer))block;
 - (void)invalidate;
+@end
+
+@interface NSFileHandle : NSObject
+@property(readonly) int fileDescriptor;
+- (BOOL)closeAndReturnError:(NSError**)error;
+@end
+
+@interface NSPipe : NSObject
++ (NSPipe*)pipe;
+@property(readonly, strong) NSFileHandle* fileHandleForReading;
+@property(readonly, strong) NSFileHandle* fileHandleForWriting;
+@end
+
+@interface NSTask : NSObject
+@property(nullable, copy) NSURL* executableURL;
+@property(nullable, strong) id standardInput;
+@property(nullable, strong) id standardOutput;
+@property(readonly) int processIdentifier;
+- (BOOL)launchAndReturnError:(NSError* _Nullable* _Nullable)error;
 @end
 
 typedef struct {

@@ -20,6 +20,7 @@ extern "C" CALayerContentsGravity const kCAGravityResize;
 @interface CATransaction : NSObject
 + (void)begin;
 + (void)commit;
++ (void)flush;
 + (void)setDisableActions:(BOOL)flag;
 @end
 

@@ -3,6 +3,7 @@
 
 #include <sys/types.h>
 
+#include <limits.h>
 #include <stddef.h>
 #include <stdint.h>
 
@@ -17,6 +18,7 @@ typedef signed char BOOL;
 
 typedef long NSInteger;
 typedef unsigned long NSUInteger;
+#define NSUIntegerMax ULONG_MAX
 typedef struct objc_class* Class;
 
 #define NS_ENUM(type, name)                                                                                            \

@@ -1,0 +1,210 @@
+// A program with ordinary windows for the contract suite on a Mac. It is told on its standard input what to do, one
+// command a line, and writes the window's number on a line of its own when it is done:
+//
+//     open X Y WIDTH HEIGHT TITLE       a new window, the title up to the end of the line
+//     move NUMBER X Y WIDTH HEIGHT
+//     activate NUMBER                   done when the window is the key window: someone has to make this program active
+//     minimise NUMBER
+//     draw NUMBER                       a content that the window has not shown before
+//     close NUMBER
+//
+// Places are in the window server's coordinates. The program ends with its standard input.
+
+#import <AppKit/AppKit.h>
+#import <QuartzCore/QuartzCore.h>
+
+#include <cstdlib>
+#include <iostream>
+#include <sstream>
+#include <string>
+#include <thread>
+
+/// A window of which nothing but its maker decides where it lies.
+@interface SampleWindow : NSWindow
+@end
+
+@implementation SampleWindow
+
+- (NSRect)constrainFrameRect:(NSRect)frameRect toScreen:(NSScreen*)screen {
+    // AppKit would move a window out from under the menu bar.
+    return frameRect;
+}
+
+@end
+
+/// One colour all over, another one for every content.
+@interface SampleView : NSView
+@property(nonatomic) unsigned content;
+@end
+
+@implementation SampleView
+
+- (void)drawRect:(NSRect)dirtyRect {
+    // Neighbouring contents lie far apart on the colour circle and never repeat: the step is the golden ratio.
+    const double turns = self.content * 0.6180339887;
+    [[NSColor colorWithHue:turns - static_cast<unsigned>(turns) saturation:0.8 brightness:0.9 alpha:1] setFill];
+    NSRectFill(self.bounds);
+}
+
+@end
+
+namespace {
+
+/// Tells the other side that a command is done.
+void answer(NSInteger windowNumber) {
+    std::cout << windowNumber << std::endl;
+}
+
+NSRect readPlace(std::istream& arguments) {
+    NSRect place{};
+    arguments >> place.origin.x >> place.origin.y >> place.size.width >> place.size.height;
+    // AppKit's origin is the bottom left of the primary screen, which comes first.
+    place.origin.y = NSScreen.screens.firstObject.frame.size.height - place.origin.y - place.size.height;
+    return place;
+}
+
+} // namespace
+
+@interface SampleProgram : NSObject <NSWindowDelegate>
+- (void)obey:(const std::string&)line;
+@end
+
+@implementation SampleProgram {
+    NSMutableDictionary<NSNumber*, SampleWindow*>* windows;
+    /// The window that is to become the key window, else nil.
+    SampleWindow* awaitedKeyWindow;
+}
+
+- (instancetype)init {
+    self = [super init];
+    windows = [NSMutableDictionary dictionary];
+    return self;
+}
+
+- (void)obey:(const std::string&)line {
+    std::istringstream arguments(line);
+    std::string command;
+    arguments >> command;
+    if (command == "open") {
+        const NSRect place = readPlace(arguments);
+        std::string title;
+        std::getline(arguments >> std::ws, title);
+        [self openAt:place title:title];
+        return;
+    }
+    long number = 0;
+    arguments >> number;
+    SampleWindow* const window = windows[@(number)];
+    if (window == nil) {
+        std::cerr << "there is no such window: " << line << std::endl;
+        std::exit(EXIT_FAILURE);
+    }
+    if (command == "move") {
+        [window setFrame:readPlace(arguments) display:YES];
+        answer(window.windowNumber);
+    } else if (command == "activate") {
+        [self activate:window];
+    } else if (command == "minimise") {
+        [window miniaturize:nil];
+    } else if (command == "draw") {
+        [self drawIn:window];
+    } else if (command == "close") {
+        [self close:window];
+    } else {
+        std::cerr << "there is no such command: " << line << std::endl;
+        std::exit(EXIT_FAILURE);
+    }
+}
+
+- (void)openAt:(NSRect)place title:(const std::string&)title {
+    // The content reaches below the title bar, so that the content's place is the window's.
+    SampleWindow* const window = [[SampleWindow alloc]
+        initWithContentRect:place
+                  styleMask:NSWindowStyleMaskTitled | NSWindowStyleMaskClosable | NSWindowStyleMaskMiniaturizable |
+                            NSWindowStyleMaskResizable | NSWindowStyleMaskFullSizeContentView
+                    backing:NSBackingStoreBuffered
+                      defer:NO];
+    window.releasedWhenClosed = NO;
+    window.animationBehavior = NSWindowAnimationBehaviorNone;
+    window.tabbingMode = NSWindowTabbingModeDisallowed;
+    window.delegate = self;
+    window.title = [NSString stringWithUTF8String:title.c_str()];
+    window.contentView = [[SampleView alloc] initWithFrame:NSMakeRect(0, 0, place.size.width, place.size.height)];
+    [window setFrame:place display:YES];
+    [window orderFront:nil];
+    windows[@(window.windowNumber)] = window;
+    answer(window.windowNumber);
+}
+
+- (void)activate:(SampleWindow*)window {
+    [window makeKeyAndOrderFront:nil];
+    if (window.keyWindow) {
+        answer(window.windowNumber);
+    } else {
+        awaitedKeyWindow = window;
+    }
+}
+
+- (void)drawIn:(SampleWindow*)window {
+    SampleView* const view = window.contentView;
+    ++view.content;
+    view.needsDisplay = YES;
+    [window displayIfNeeded];
+    [CATransaction flush];
+    answer(window.windowNumber);
+}
+
+- (void)close:(SampleWindow*)window {
+    const NSInteger number = window.windowNumber;
+    [window close];
+    [windows removeObjectForKey:@(number)];
+    // The window server keeps the window as long as anyone here does, as this command's callers still do.
+    dispatch_async(dispatch_get_main_queue(), ^{
+        answer(number);
+    });
+}
+
+- (void)windowDidBecomeKey:(NSNotification*)notification {
+    if (awaitedKeyWindow != nil && notification.object == awaitedKeyWindow) {
+        answer(awaitedKeyWindow.windowNumber);
+        awaitedKeyWindow = nil;
+    }
+}
+
+- (void)windowDidMiniaturize:(NSNotification*)notification {
+    SampleWindow* const window = notification.object;
+    answer(window.windowNumber);
+}
+
+@end
+
+namespace {
+
+/// Hands the commands over to the main thread, in their order.
+void readCommands(SampleProgram* program) {
+    std::string line;
+    while (std::getline(std::cin, line)) {
+        const std::string command = line;
+        dispatch_async(dispatch_get_main_queue(), ^{
+            // A closed window must not live on in a pool that is emptied later.
+            @autoreleasepool {
+                [program obey:command];
+            }
+        });
+    }
+    dispatch_async(dispatch_get_main_queue(), ^{
+        std::exit(EXIT_SUCCESS);
+    });
+}
+
+} // namespace
+
+int main() {
+    @autoreleasepool {
+        NSApplication* const application = NSApplication.sharedApplication;
+        [application setActivationPolicy:NSApplicationActivationPolicyRegular];
+        SampleProgram* const program = [[SampleProgram alloc] init];
+        std::thread(readCommands, program).detach();
+        [application run];
+    }
+}

@@ -117,7 +117,20 @@ TEST_F(Settings, EditedByHandApplyWhileTheProgramRuns) {
     EXPECT_NEAR(rate, 4, 0.5);
 }
 
-class FrameRate : public EndToEndTest {};
+class FrameRate : public EndToEndTest {
+protected:
+    /// Other programs may keep this machine from the expected rate for a while, so it gets three attempts; nothing
+    /// may ever raise the rate above it.
+    void expectRate(Window panel, double expected, double tolerance, Milliseconds time) const {
+        double rate = 0;
+        for (int attempt = 0; attempt < 3 && rate < expected - tolerance; ++attempt) {
+            rate = FrameCounter(desktop.displayName()).framesPerSecond(panel, time);
+            ASSERT_LT(rate, expected + tolerance);
+        }
+        RecordProperty("framesPerSecond", std::to_string(rate));
+        EXPECT_GT(rate, expected - tolerance);
+    }
+};
 
 TEST_F(FrameRate, IsThirtyUnlessSet) {
     const auto source = startSample();
@@ -126,9 +139,7 @@ TEST_F(FrameRate, IsThirtyUnlessSet) {
     const auto panel = pinAndShow(source.window());
     ASSERT_TRUE(shows(panel, source.window()));
     play(source.window(), 60);
-    const double rate = FrameCounter(desktop.displayName()).framesPerSecond(panel, Milliseconds(4000));
-    RecordProperty("framesPerSecond", std::to_string(rate));
-    EXPECT_NEAR(rate, 30, 1.5);
+    expectRate(panel, 30, 1.5, Milliseconds(4000));
 }
 
 TEST_F(FrameRate, IsWhatTheSettingSays) {
@@ -139,9 +150,7 @@ TEST_F(FrameRate, IsWhatTheSettingSays) {
     const auto panel = pinAndShow(source.window());
     ASSERT_TRUE(shows(panel, source.window()));
     play(source.window(), 60);
-    const double rate = FrameCounter(desktop.displayName()).framesPerSecond(panel, Milliseconds(10000));
-    RecordProperty("framesPerSecond", std::to_string(rate));
-    EXPECT_NEAR(rate, 2, 0.2);
+    expectRate(panel, 2, 0.2, Milliseconds(10000));
 }
 
 TEST_F(FrameRate, IsZeroForAWindowThatDoesNotChange) {

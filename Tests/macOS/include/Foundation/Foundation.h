@@ -21,8 +21,12 @@ typedef CGPoint NSPoint;
 typedef CGSize NSSize;
 typedef CGRect NSRect;
 
-inline NSPoint NSMakePoint(CGFloat x, CGFloat y) { return {x, y}; }
-inline NSRect NSMakeRect(CGFloat x, CGFloat y, CGFloat width, CGFloat height) { return {{x, y}, {width, height}}; }
+inline NSPoint NSMakePoint(CGFloat x, CGFloat y) {
+    return {x, y};
+}
+inline NSRect NSMakeRect(CGFloat x, CGFloat y, CGFloat width, CGFloat height) {
+    return {{x, y}, {width, height}};
+}
 
 inline id _Nullable CFBridgingRelease(__attribute__((cf_consumed)) CFTypeRef _Nullable object) {
     return (__bridge_transfer id)object;

@@ -24,6 +24,15 @@ protected:
 
     [[nodiscard]] Holdings holdings() const { return {client.resourcesOf(quillon.pid()), quillon.openDescriptors()}; }
 
+    /// Once nothing is being taken down any more.
+    [[nodiscard]] Holdings settledHoldings() const {
+        Holdings now;
+        do {
+            now = holdings();
+        } while (!client.holdsFor([&] { return holdings() == now; }, Milliseconds(500)));
+        return now;
+    }
+
     static std::string describe(const Holdings& holdings) {
         std::string text = std::to_string(holdings.descriptors) + " descriptors, " +
                            std::to_string(holdings.server.pixmapBytes) + " bytes of pixmaps";
@@ -51,7 +60,7 @@ TEST_F(Endurance, AThousandPinsLeakNothing) {
     quillon.start();
     pinAndUnpin(source.windows);
     pinAndUnpin(source.windows);
-    const auto before = holdings();
+    const auto before = settledHoldings();
     const auto memoryBefore = quillon.residentKilobytes();
     for (int round = 0; round < rounds; ++round) {
         ASSERT_NO_FATAL_FAILURE(pinAndUnpin(source.windows));
@@ -79,7 +88,7 @@ TEST_F(Endurance, WindowsThatCloseWhilePinnedLeakNothing) {
         ASSERT_TRUE(client.waitUntil([&] { return panels().empty() && quillon.pinned().empty(); }));
     };
     ASSERT_NO_FATAL_FAILURE(pinAndClose());
-    const auto before = holdings();
+    const auto before = settledHoldings();
     for (int round = 0; round < 4; ++round) {
         ASSERT_NO_FATAL_FAILURE(pinAndClose());
     }

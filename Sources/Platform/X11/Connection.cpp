@@ -1,5 +1,6 @@
 #include "Platform/X11/Connection.h"
 
+#include "Platform/X11/Event.h"
 #include "Platform/X11/Handlers.h"
 #include "Platform/X11/StandardError.h"
 #include "Text.h"
@@ -53,19 +54,11 @@ struct Connection::Tables {
 
 namespace {
 
-/// The high bit tells that another client sent the event.
-constexpr std::uint8_t eventTypeMask = 0x7f;
-
 constexpr double dotsPerInchOfOnePoint = 96;
-
-template <class Event>
-const Event& as(const xcb_generic_event_t& event) {
-    return reinterpret_cast<const Event&>(event);
-}
 
 /// The window with respect to which a core event is reported.
 std::optional<xcb_window_t> windowOf(const xcb_generic_event_t& event) {
-    switch (event.response_type & eventTypeMask) {
+    switch (eventType(event)) {
     case XCB_KEY_PRESS:
     case XCB_KEY_RELEASE:
     case XCB_BUTTON_PRESS:
@@ -111,7 +104,7 @@ std::optional<xcb_window_t> windowOf(const xcb_generic_event_t& event) {
 
 /// The server's time that a core event carries.
 std::optional<xcb_timestamp_t> timeOf(const xcb_generic_event_t& event) {
-    switch (event.response_type & eventTypeMask) {
+    switch (eventType(event)) {
     case XCB_KEY_PRESS:
     case XCB_KEY_RELEASE:
     case XCB_BUTTON_PRESS:
@@ -396,7 +389,7 @@ void Connection::processEvents() {
 }
 
 void Connection::dispatch(const xcb_generic_event_t& event) {
-    const auto type = static_cast<std::uint8_t>(event.response_type & eventTypeMask);
+    const auto type = eventType(event);
     if (event.response_type == 0) {
         reportUnexpectedError(as<xcb_generic_error_t>(event));
         return;

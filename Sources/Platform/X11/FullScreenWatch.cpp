@@ -1,6 +1,6 @@
 #include "Platform/X11/FullScreenWatch.h"
 
-#include "Platform/X11/EndToken.h"
+#include "Platform/X11/Event.h"
 
 #include <algorithm>
 #include <span>
@@ -10,13 +10,13 @@ namespace quillon::x11 {
 
 namespace {
 
-constexpr std::uint8_t eventTypeMask = 0x7f;
 /// In 4-byte units; a window has about a dozen states.
 constexpr std::uint32_t mostStates = 64;
+/// The one thing to observe.
+constexpr int anyChange = 0;
 
 bool isChangeOf(const xcb_generic_event_t& event, xcb_atom_t property) {
-    return (event.response_type & eventTypeMask) == XCB_PROPERTY_NOTIFY &&
-           reinterpret_cast<const xcb_property_notify_event_t&>(event).atom == property;
+    return eventType(event) == XCB_PROPERTY_NOTIFY && as<xcb_property_notify_event_t>(event).atom == property;
 }
 
 std::span<const std::uint32_t> numbersOf(const xcb_get_property_reply_t* reply) {
@@ -39,13 +39,7 @@ FullScreenWatch::FullScreenWatch(Connection& connection) : connection(connection
 }
 
 RegistrationToken FullScreenWatch::observe(Task changed) {
-    const int number = nextObserver++;
-    observers->emplace(number, std::move(changed));
-    return makeEndToken([weak = std::weak_ptr(observers), number] {
-        if (const auto alive = weak.lock()) {
-            alive->erase(number);
-        }
-    });
+    return observers.add(anyChange, std::move(changed));
 }
 
 void FullScreenWatch::askForActiveWindow() {
@@ -92,9 +86,7 @@ void FullScreenWatch::stateArrived(const xcb_get_property_reply_t* reply) {
     if (std::exchange(isFullScreen, found) == found) {
         return;
     }
-    for (const auto& [number, changed] : *observers) {
-        changed();
-    }
+    observers.call(anyChange);
 }
 
 } // namespace quillon::x11

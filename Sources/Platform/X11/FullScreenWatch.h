@@ -2,10 +2,7 @@
 
 #include "Platform/Scheduler.h"
 #include "Platform/X11/Connection.h"
-
-#include <cstdint>
-#include <map>
-#include <memory>
+#include "Platform/X11/Handlers.h"
 
 namespace quillon::x11 {
 
@@ -15,7 +12,7 @@ public:
     explicit FullScreenWatch(Connection& connection);
 
     [[nodiscard]] bool isActiveWindowFullScreen() const { return isFullScreen; }
-    /// Calls back after each change. The callback must not end registrations of the watch.
+    /// Calls back after each change.
     [[nodiscard]] RegistrationToken observe(Task changed);
 
 private:
@@ -27,8 +24,7 @@ private:
     Connection& connection;
     bool isFullScreen = false;
     xcb_window_t active = XCB_WINDOW_NONE;
-    std::shared_ptr<std::map<int, Task>> observers = std::make_shared<std::map<int, Task>>();
-    int nextObserver = 0;
+    Handlers<int> observers;
     RegistrationToken rootEvents;
     RegistrationToken rootSelection;
     RegistrationToken activeEvents;

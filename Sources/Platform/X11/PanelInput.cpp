@@ -1,13 +1,13 @@
 #include "Platform/X11/PanelInput.h"
 
+#include "Platform/X11/Event.h"
+
 #include <array>
 #include <utility>
 
 namespace quillon::x11 {
 
 namespace {
-
-constexpr std::uint8_t eventTypeMask = 0x7f;
 
 // Button numbers; the wheel's steps are buttons too.
 constexpr xcb_button_t leftButton = 1;
@@ -17,7 +17,7 @@ constexpr xcb_button_t wheelDown = 5;
 constexpr xcb_button_t wheelRight = 7;
 
 std::uint8_t typeNumber(const xcb_button_press_event_t& event) {
-    return event.response_type & eventTypeMask;
+    return eventType(reinterpret_cast<const xcb_generic_event_t&>(event));
 }
 
 bool isWheel(xcb_button_t button) {
@@ -49,11 +49,11 @@ PanelInput::PanelInput(Scheduler& scheduler, double scale, std::function<PixelRe
     : scheduler(scheduler), scale(scale), frame(std::move(frame)), deliver(std::move(deliver)) {}
 
 void PanelInput::handle(const xcb_generic_event_t& event) {
-    const auto type = event.response_type & eventTypeMask;
+    const auto type = eventType(event);
     if (type != XCB_BUTTON_PRESS && type != XCB_BUTTON_RELEASE && type != XCB_MOTION_NOTIFY) {
         return;
     }
-    const auto& input = reinterpret_cast<const xcb_button_press_event_t&>(event);
+    const auto& input = as<xcb_button_press_event_t>(event);
     if (type == XCB_MOTION_NOTIFY && !waiting.empty() && typeNumber(waiting.back()) == XCB_MOTION_NOTIFY) {
         waiting.back() = input;
         return;

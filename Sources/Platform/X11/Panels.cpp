@@ -1,5 +1,6 @@
 #include "Platform/X11/Panels.h"
 
+#include "Platform/X11/Event.h"
 #include "Platform/X11/PicturePorts.h"
 
 #include <algorithm>
@@ -10,7 +11,6 @@ namespace quillon::x11 {
 
 namespace {
 
-constexpr std::uint8_t eventTypeMask = 0x7f;
 constexpr Seconds fadeStep{1.0 / 60};
 
 } // namespace
@@ -192,11 +192,11 @@ void X11Panel::sendEventToSuper(const PanelEvent& event) {
 }
 
 void X11Panel::handle(const xcb_generic_event_t& event) {
-    if ((event.response_type & eventTypeMask) != XCB_EXPOSE) {
+    if (eventType(event) != XCB_EXPOSE) {
         input.handle(event);
         return;
     }
-    const auto& expose = reinterpret_cast<const xcb_expose_event_t&>(event);
+    const auto& expose = as<xcb_expose_event_t>(event);
     exposed.push_back({expose.x, expose.y, expose.width, expose.height});
     if (expose.count == 0) {
         const auto areas = std::exchange(exposed, {});

@@ -1,6 +1,7 @@
 #include "Platform/X11/SourceWindow.h"
 
 #include "Platform/X11/EndToken.h"
+#include "Platform/X11/Event.h"
 
 #include <xcb/composite.h>
 
@@ -14,13 +15,6 @@ namespace {
 /// server has only the window's background there. Toolkits redraw within a frame or two; one that hangs must not
 /// hold its picture back for long.
 constexpr std::chrono::milliseconds timeToRedraw{100};
-
-constexpr std::uint8_t eventTypeMask = 0x7f;
-
-template <class Event>
-const Event& as(const xcb_generic_event_t& event) {
-    return reinterpret_cast<const Event&>(event);
-}
 
 } // namespace
 
@@ -83,7 +77,7 @@ void SourceWindow::attributesArrived(const void* reply) {
 }
 
 void SourceWindow::handle(const xcb_generic_event_t& event) {
-    switch (event.response_type & eventTypeMask) {
+    switch (eventType(event)) {
     case XCB_MAP_NOTIFY:
         mapped = true;
         complete = std::chrono::steady_clock::now() + timeToRedraw;

@@ -1,6 +1,7 @@
 #include "Platform/X11/Workspace.h"
 
 #include "Platform/Scheduler.h"
+#include "Platform/X11/Event.h"
 #include "Platform/X11/ProcessEnd.h"
 
 #include <algorithm>
@@ -65,11 +66,10 @@ void X11Workspace::startWatching() {
 }
 
 void X11Workspace::handle(const xcb_generic_event_t& event) {
-    // The high bit tells that another client sent the event.
-    if ((event.response_type & 0x7f) != XCB_PROPERTY_NOTIFY) {
+    if (eventType(event) != XCB_PROPERTY_NOTIFY) {
         return;
     }
-    const auto property = reinterpret_cast<const xcb_property_notify_event_t&>(event).atom;
+    const auto property = as<xcb_property_notify_event_t>(event).atom;
     isActiveWindowStale = isActiveWindowStale || property == connection.atom("_NET_ACTIVE_WINDOW");
     isClientListStale = isClientListStale || property == connection.atom("_NET_CLIENT_LIST");
     if ((isActiveWindowStale || isClientListStale) && !isUpdateDue) {

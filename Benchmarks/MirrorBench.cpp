@@ -91,6 +91,18 @@ std::string number(double value) {
     return std::to_string(static_cast<int>(std::lround(value)));
 }
 
+/// Asked on the connection that watches the window, so that the server answers after it has rearmed the watch: what
+/// is drawn later is announced.
+std::uint32_t pixel(const e2e::XClient& eyes, Window window, int x, int y) {
+    const auto cookie = xcb_get_image(eyes.xcb(), XCB_IMAGE_FORMAT_Z_PIXMAP, window, static_cast<std::int16_t>(x),
+                                      static_cast<std::int16_t>(y), 1, 1, 0xffffffff);
+    const e2e::Reply<xcb_get_image_reply_t> image(xcb_get_image_reply(eyes.xcb(), cookie, nullptr));
+    if (!image) {
+        throw std::runtime_error("a pixel could not be read");
+    }
+    return *reinterpret_cast<const std::uint32_t*>(xcb_get_image_data(image.get())) & 0xffffff;
+}
+
 } // namespace
 
 MirrorBench::MirrorBench() : desktop(desktopOptions()), client(desktop.displayName()) {
@@ -206,16 +218,6 @@ std::uint64_t MirrorBench::displayedFrames(Window window, double seconds) const 
     return frames;
 }
 
-std::uint32_t MirrorBench::pixel(Window window, int x, int y) const {
-    const auto cookie = xcb_get_image(client.xcb(), XCB_IMAGE_FORMAT_Z_PIXMAP, window, static_cast<std::int16_t>(x),
-                                      static_cast<std::int16_t>(y), 1, 1, 0xffffffff);
-    const e2e::Reply<xcb_get_image_reply_t> image(xcb_get_image_reply(client.xcb(), cookie, nullptr));
-    if (!image) {
-        throw std::runtime_error("a pixel could not be read");
-    }
-    return *reinterpret_cast<const std::uint32_t*>(xcb_get_image_data(image.get())) & 0xffffff;
-}
-
 Latencies MirrorBench::latencies(Window mirror, double scale, int changes) const {
     // The middle of one of the source's cells, whose colour every content changes with high probability.
     constexpr int cellSide = 20;
@@ -232,7 +234,7 @@ Latencies MirrorBench::latencies(Window mirror, double scale, int changes) const
     for (int change = 0; change < changes; ++change) {
         // Uneven pauses, so that the changes fall anywhere between a mirror's ticks.
         poll(nullptr, 0, 40 + (change * 37) % 50);
-        const auto before = pixel(source, sourceX, sourceY);
+        const auto before = pixel(sourceEyes, source, sourceX, sourceY);
         client.sendMessage(source, "_SAMPLE_SHOW", {static_cast<std::uint32_t>(1000 + change)});
         const auto deadline = SteadyClock::now() + std::chrono::milliseconds(500);
         // The last drawing before the pixel was seen to be new is the one that made it new. A content that happens
@@ -241,12 +243,12 @@ Latencies MirrorBench::latencies(Window mirror, double scale, int changes) const
         auto wanted = before;
         while (wanted == before && sourceWatch.next(deadline)) {
             changed = SteadyClock::now();
-            wanted = pixel(source, sourceX, sourceY);
+            wanted = pixel(sourceEyes, source, sourceX, sourceY);
         }
         if (wanted == before) {
             continue;
         }
-        while (pixel(mirror, mirrorX, mirrorY) != wanted && SteadyClock::now() < deadline) {
+        while (pixel(mirrorEyes, mirror, mirrorX, mirrorY) != wanted && SteadyClock::now() < deadline) {
             (void)mirrorWatch.next(std::min(deadline, SteadyClock::now() + std::chrono::milliseconds(50)));
         }
         result.push_back(1000 * secondsSince(changed));

@@ -59,7 +59,6 @@ public:
 
 private:
     void resizePanel(double scale) const;
-    [[nodiscard]] std::uint32_t pixel(e2e::Window window, int x, int y) const;
 
     e2e::Desktop desktop;
     e2e::XClient client;

@@ -376,16 +376,30 @@ void Connection::mayFail(xcb_void_cookie_t cookie) {
 }
 
 void Connection::processEvents() {
-    do {
-        while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(connection)}) {
-            // In the server's order: a reply may tell of a state that the event ends.
-            while (tables->deliverReply(event->full_sequence)) {
-            }
-            dispatch(*event);
-        }
-        // A handler may have waited for a reply, and events may have been read meanwhile.
-    } while (isAlive() && tables->deliverReply());
-    flush();
+    dispatchEvent(xcb_poll_for_event(connection));
+    processReadEvents();
+}
+
+bool Connection::processReadEvents() {
+    // A handler may wait for a reply, and events may be read meanwhile.
+    bool hasHandled = false;
+    while (isAlive() && (dispatchEvent(xcb_poll_for_queued_event(connection)) || tables->deliverReply())) {
+        hasHandled = true;
+    }
+    return hasHandled;
+}
+
+/// Takes the event over; false when there is none.
+bool Connection::dispatchEvent(xcb_generic_event_t* taken) {
+    const Reply<xcb_generic_event_t> event(taken);
+    if (!event) {
+        return false;
+    }
+    // In the server's order: a reply may tell of a state that the event ends.
+    while (tables->deliverReply(event->full_sequence)) {
+    }
+    dispatch(*event);
+    return true;
 }
 
 void Connection::dispatch(const xcb_generic_event_t& event) {

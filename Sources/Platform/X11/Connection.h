@@ -87,8 +87,11 @@ public:
     void mayFail(xcb_void_cookie_t cookie);
 
     void flush() { xcb_flush(connection); }
-    /// Dispatches every event and reply that has arrived, then flushes. Called by the event loop.
+    /// Dispatches every event and reply that has arrived. Called by the event loop.
     void processEvents();
+    /// The same without looking for new ones: those that were read on the way, while a reply was waited for or
+    /// requests were sent. False when there were none.
+    bool processReadEvents();
     /// False once the server has gone.
     [[nodiscard]] bool isAlive() const { return xcb_connection_has_error(connection) == 0; }
     /// The server's time of the latest event that carried one (CurrentTime before the first).
@@ -108,6 +111,7 @@ public:
 private:
     Connection() = default;
 
+    bool dispatchEvent(xcb_generic_event_t* taken);
     void dispatch(const xcb_generic_event_t& event);
 
     struct Tables;

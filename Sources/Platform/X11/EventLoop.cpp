@@ -28,17 +28,24 @@ EventLoop::EventLoop(Connection& connection, X11Scheduler& scheduler) : connecti
 void EventLoop::serve() {
     // Tasks that submit tasks go on at once, but not for ever: timers must get their turn.
     constexpr int mostRounds = 16;
-    for (int round = 0; round < mostRounds; ++round) {
-        connection.processEvents();
-        if (!connection.isAlive()) {
-            endWhenServerIsGone();
-        }
-        if (!scheduler.runMainTasks()) {
-            return;
+    connection.processEvents();
+    bool mayWait = false;
+    for (int round = 0; round < mostRounds && !mayWait; ++round) {
+        if (scheduler.runMainTasks()) {
+            connection.processReadEvents();
+        } else {
+            // What the tasks asked of the server goes out together. Sending may read events, too.
+            connection.flush();
+            mayWait = !connection.processReadEvents();
         }
     }
-    connection.flush();
-    QAbstractEventDispatcher::instance()->wakeUp();
+    if (!connection.isAlive()) {
+        endWhenServerIsGone();
+    }
+    if (!mayWait) {
+        connection.flush();
+        QAbstractEventDispatcher::instance()->wakeUp();
+    }
 }
 
 void EventLoop::endWhenServerIsGone() {

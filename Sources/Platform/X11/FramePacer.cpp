@@ -7,9 +7,6 @@ namespace quillon::x11 {
 
 namespace {
 
-/// How long after the first change of a frame it is drawn: applications flush in the middle of their drawing, and
-/// this keeps half-drawn frames off the screen.
-constexpr Seconds settleTime{0.002};
 /// The part of the interval after which the next frame may be drawn. A little less than the whole one, so that a
 /// source that draws at the very rate of the cap is never late by a fraction and then waits for a whole frame.
 constexpr double intervalPart = 0.97;
@@ -20,7 +17,7 @@ FramePacer::Clock::duration duration(Seconds seconds) {
 
 } // namespace
 
-FramePacer::FramePacer(Scheduler& scheduler, Seconds interval, std::function<void()> draw)
+FramePacer::FramePacer(Scheduler& scheduler, Seconds interval, std::function<void(Seconds)> draw)
     : scheduler(scheduler), interval(interval), draw(std::move(draw)) {}
 
 void FramePacer::markDirty() {
@@ -50,12 +47,17 @@ void FramePacer::stop() {
 }
 
 void FramePacer::arm() {
-    auto due = std::max(changed + duration(settleTime), heldUntil);
+    auto due = heldUntil;
     if (lastDrawn != Clock::time_point()) {
         due = std::max(due, lastDrawn + duration(interval * intervalPart));
     }
-    const auto delay = std::max(due - Clock::now(), Clock::duration::zero());
-    scheduler.mainAfter(delay, weakly([number = ++timer](FramePacer& self) { self.fire(number); }));
+    auto draw = weakly([number = ++timer](FramePacer& self) { self.fire(number); });
+    const auto now = Clock::now();
+    if (due <= now) {
+        scheduler.mainAsync(std::move(draw));
+    } else {
+        scheduler.mainAfter(due - now, std::move(draw));
+    }
 }
 
 void FramePacer::fire(std::uint64_t timerNumber) {
@@ -64,7 +66,7 @@ void FramePacer::fire(std::uint64_t timerNumber) {
     }
     dirty = false;
     lastDrawn = Clock::now();
-    draw();
+    draw(lastDrawn - changed);
 }
 
 } // namespace quillon::x11

@@ -17,7 +17,8 @@ class FramePacer : private HeldWeakly<FramePacer> {
 public:
     using Clock = std::chrono::steady_clock;
 
-    FramePacer(Scheduler& scheduler, Seconds interval, std::function<void()> draw);
+    /// `draw` is told how long ago the first change of the frame was announced.
+    FramePacer(Scheduler& scheduler, Seconds interval, std::function<void(Seconds)> draw);
 
     /// Something has changed: `draw` is called once it is time, in a later turn of the event loop.
     void markDirty();
@@ -33,7 +34,7 @@ private:
 
     Scheduler& scheduler;
     Seconds interval;
-    std::function<void()> draw;
+    std::function<void(Seconds)> draw;
     bool dirty = false;
     Clock::time_point changed;
     Clock::time_point lastDrawn;

@@ -78,7 +78,8 @@ std::variant<std::shared_ptr<Surface>, CaptureError> takePicture(const SourceWin
 } // namespace
 
 X11ScreenCapture::X11ScreenCapture(Connection& connection, Scheduler& scheduler)
-    : connection(connection), scheduler(scheduler), sources(std::make_shared<SourceWindows>(connection)) {}
+    : connection(connection), scheduler(scheduler), serverPause(connection),
+      sources(std::make_shared<SourceWindows>(connection)) {}
 
 void X11ScreenCapture::getShareableContent(bool excludingDesktopWindows, bool onScreenWindowsOnly,
                                            ContentCompletion completion) {
@@ -117,7 +118,8 @@ X11ScreenCapture::makeFilter(const std::shared_ptr<CaptureWindow>& desktopIndepe
 std::shared_ptr<CaptureStream> X11ScreenCapture::makeStream(const std::shared_ptr<ContentFilter>& filter,
                                                             const StreamConfiguration& configuration,
                                                             StoppedCallback stopped) {
-    return std::make_shared<WindowStream>(connection, scheduler, sourceOf(filter), configuration, std::move(stopped));
+    return std::make_shared<WindowStream>(connection, scheduler, serverPause, sourceOf(filter), configuration,
+                                          std::move(stopped));
 }
 
 void X11ScreenCapture::captureImage(const std::shared_ptr<ContentFilter>& filter,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/ScreenCapture.h"
+#include "Platform/X11/ServerPause.h"
 #include "Platform/X11/SourceWindow.h"
 
 #include <memory>
@@ -30,6 +31,7 @@ public:
 private:
     Connection& connection;
     Scheduler& scheduler;
+    ServerPause serverPause;
     /// Shared with the records, which outlive their list.
     std::shared_ptr<SourceWindows> sources;
 };

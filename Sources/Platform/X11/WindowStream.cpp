@@ -19,10 +19,12 @@ std::size_t pixelCount(std::int64_t side) {
 
 } // namespace
 
-WindowStream::WindowStream(Connection& connection, Scheduler& scheduler, std::shared_ptr<SourceWindow> source,
-                           const StreamConfiguration& configuration, ScreenCapture::StoppedCallback stopped)
-    : connection(connection), scheduler(scheduler), source(std::move(source)), configuration(configuration),
-      stopped(std::move(stopped)), pacer(scheduler, frameInterval(configuration), [this] { takeFrame(); }) {}
+WindowStream::WindowStream(Connection& connection, Scheduler& scheduler, const ServerPause& serverPause,
+                           std::shared_ptr<SourceWindow> source, const StreamConfiguration& configuration,
+                           ScreenCapture::StoppedCallback stopped)
+    : connection(connection), scheduler(scheduler), serverPause(serverPause), source(std::move(source)),
+      configuration(configuration), stopped(std::move(stopped)),
+      pacer(scheduler, frameInterval(configuration), [this](Seconds sinceChange) { takeFrame(sinceChange); }) {}
 
 WindowStream::~WindowStream() {
     release();
@@ -130,10 +132,20 @@ void WindowStream::release() {
     feed = std::make_shared<PictureFeed>();
 }
 
-void WindowStream::takeFrame() {
+/// Applications flush in the middle of their drawing: a moment after the first change keeps half-drawn frames off
+/// the screen.
+void WindowStream::settle(Seconds sinceChange) const {
+    constexpr std::chrono::milliseconds settleTime{2};
+    if (sinceChange < settleTime) {
+        serverPause.wait(settleTime);
+    }
+}
+
+void WindowStream::takeFrame(Seconds sinceChange) {
     if (!feed->picture) {
         return; // the picture of a window that is just being mapped is on its way
     }
+    settle(sinceChange);
     // In the same flush as the drawing, and before it: what the application draws meanwhile is announced again.
     connection.mayFail(xcb_damage_subtract(connection.xcb(), damage.id(), XCB_XFIXES_REGION_NONE, feed->damage.id()));
     ++feed->latestFrame;

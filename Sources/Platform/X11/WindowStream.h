@@ -2,6 +2,7 @@
 
 #include "Platform/ScreenCapture.h"
 #include "Platform/X11/FramePacer.h"
+#include "Platform/X11/ServerPause.h"
 #include "Platform/X11/SourceWindow.h"
 
 #include <memory>
@@ -13,8 +14,9 @@ namespace quillon::x11 {
 /// does nothing at all while nothing changes. Main thread.
 class WindowStream final : public CaptureStream, public std::enable_shared_from_this<WindowStream> {
 public:
-    WindowStream(Connection& connection, Scheduler& scheduler, std::shared_ptr<SourceWindow> source,
-                 const StreamConfiguration& configuration, ScreenCapture::StoppedCallback stopped);
+    WindowStream(Connection& connection, Scheduler& scheduler, const ServerPause& serverPause,
+                 std::shared_ptr<SourceWindow> source, const StreamConfiguration& configuration,
+                 ScreenCapture::StoppedCallback stopped);
     ~WindowStream() override;
 
     std::optional<CaptureError> addStreamOutput(Output output, StreamOutputType type,
@@ -36,10 +38,12 @@ private:
     void showPicture();
     void sourceGone();
     void release();
-    void takeFrame();
+    void settle(Seconds sinceChange) const;
+    void takeFrame(Seconds sinceChange);
 
     Connection& connection;
     Scheduler& scheduler;
+    const ServerPause& serverPause;
     std::shared_ptr<SourceWindow> source;
     StreamConfiguration configuration;
     ScreenCapture::StoppedCallback stopped;

@@ -1,7 +1,10 @@
 #include "Platform/X11/ServerPause.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <limits>
+#include <span>
 #include <string_view>
 
 namespace quillon::x11 {
@@ -10,6 +13,35 @@ namespace {
 
 xcb_sync_int64_t parts(std::int64_t value) {
     return {static_cast<std::int32_t>(value >> 32), static_cast<std::uint32_t>(value)};
+}
+
+/// What the server tells of a counter, before its name. The library's own structure ends at a multiple of four bytes
+/// and so misses where the name begins.
+constexpr std::size_t nameLengthOffset = 12;
+constexpr std::size_t nameOffset = 14;
+
+template <class T>
+T readAt(std::span<const std::byte> bytes, std::size_t offset) {
+    T value;
+    std::memcpy(&value, bytes.subspan(offset, sizeof value).data(), sizeof value);
+    return value;
+}
+
+xcb_sync_counter_t findCounter(const xcb_sync_list_system_counters_reply_t& reply, std::string_view wanted) {
+    const auto* first = reinterpret_cast<const std::byte*>(&reply + 1);
+    std::span rest(first, std::size_t{reply.length} * 4);
+    for (auto left = reply.counters_len; left > 0 && rest.size() >= nameOffset; --left) {
+        const std::size_t nameLength = readAt<std::uint16_t>(rest, nameLengthOffset);
+        const std::size_t size = (nameOffset + nameLength + 3) / 4 * 4;
+        if (size > rest.size()) {
+            break;
+        }
+        if (std::string_view(reinterpret_cast<const char*>(rest.data()) + nameOffset, nameLength) == wanted) {
+            return readAt<xcb_sync_counter_t>(rest, 0);
+        }
+        rest = rest.subspan(size);
+    }
+    return XCB_NONE;
 }
 
 /// The system counter that counts the server's milliseconds.
@@ -23,17 +55,7 @@ xcb_sync_counter_t findClock(xcb_connection_t* xcb) {
         xcb, xcb_sync_initialize(xcb, XCB_SYNC_MAJOR_VERSION, XCB_SYNC_MINOR_VERSION), nullptr));
     const Reply<xcb_sync_list_system_counters_reply_t> counters(
         xcb_sync_list_system_counters_reply(xcb, xcb_sync_list_system_counters(xcb), nullptr));
-    if (!counters) {
-        return XCB_NONE;
-    }
-    for (auto each = xcb_sync_list_system_counters_counters_iterator(counters.get()); each.rem > 0;
-         xcb_sync_systemcounter_next(&each)) {
-        const std::string_view name(xcb_sync_systemcounter_name(each.data), each.data->name_len);
-        if (name == "SERVERTIME") {
-            return each.data->counter;
-        }
-    }
-    return XCB_NONE;
+    return counters ? findCounter(*counters, "SERVERTIME") : XCB_NONE;
 }
 
 } // namespace

@@ -133,9 +133,9 @@ void WindowStream::release() {
 }
 
 /// Applications flush in the middle of their drawing: a moment after the first change keeps half-drawn frames off
-/// the screen.
+/// the screen. The server's clock makes one millisecond one to two.
 void WindowStream::settle(Seconds sinceChange) const {
-    constexpr std::chrono::milliseconds settleTime{2};
+    constexpr std::chrono::milliseconds settleTime{1};
     if (sinceChange < settleTime) {
         serverPause.wait(settleTime);
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Latencies.h"
+
 #include "Desktop.h"
 #include "QuillonProgram.h"
 #include "XClient.h"
@@ -23,9 +25,6 @@ struct RunningMirror {
     std::unique_ptr<e2e::Program> program;
     e2e::Window window = 0;
 };
-
-/// Latencies in milliseconds, sorted.
-using Latencies = std::vector<double>;
 
 /// A source window of 1280x800 on a desktop of its own, and the two mirrors: Quillon, and a GStreamer pipeline that
 /// reads the window 30 (or more) times a second and shows it in a window.

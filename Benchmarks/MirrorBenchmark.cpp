@@ -31,15 +31,6 @@ std::vector<pid_t> withDescendants(pid_t process) {
     return processes;
 }
 
-/// The part of a sorted list below which the fraction lies.
-double percentile(const Latencies& sorted, double fraction) {
-    if (sorted.empty()) {
-        return 0;
-    }
-    const auto index = static_cast<std::size_t>(fraction * static_cast<double>(sorted.size() - 1) + 0.5);
-    return sorted[index];
-}
-
 void printCosts(MirrorBench& bench, double seconds) {
     std::printf("\nCost: percent of one core for source, X server and mirror, less the same without a mirror;\n"
                 "%dx%d source, 30 frames a second, %.0f s each\n\n",

@@ -10,7 +10,6 @@
 #include "Platform/Platform.h"
 #include "Platform/Scheduler.h"
 #include "Platform/UserDefaults.h"
-#include "ProgrammingError.h"
 #include "ScriptCommands.h"
 #include "Text.h"
 #include "WindowDetector.h"
@@ -32,11 +31,7 @@ AppDelegate::~AppDelegate() = default;
 
 void AppDelegate::applicationDidFinishLaunching() {
     PellamApplicationMenu::install();
-    auto* application = platform().sharedApplication();
-    if (application == nullptr) {
-        programmingError("there is no shared application");
-    }
-    application->setActivationPolicy(ActivationPolicy::accessory);
+    sharedApplication().setActivationPolicy(ActivationPolicy::accessory);
 
     const bool trusted = platform().accessibility().isProcessTrusted();
     wplog([&] { return fmt::format("Accessibility trusted: {}", describe(trusted)); });
@@ -79,12 +74,18 @@ void AppDelegate::logEventAccess() const {
 }
 
 void AppDelegate::applicationWillTerminate() {
+    permissionTimer.reset();
+    disableEventTap();
     focusObserver.reset();
     tracker.unpinAll();
 }
 
 bool AppDelegate::applicationShouldHandleReopen(bool /*hasVisibleWindows*/) {
     PellamStatusItemVisibility::handleReopen();
+    if (!platform().statusBar().showsItems()) {
+        // The only way to the menu on such a desktop.
+        openMenuAtPointer();
+    }
     return true;
 }
 
@@ -118,25 +119,11 @@ void AppDelegate::togglePinFrontmostWindow() {
 }
 
 ScriptReply AppDelegate::performScriptCommand(const ScriptCommand& command) {
-    return ScriptCommands::perform(command, tracker, [this] { togglePinFrontmostWindow(); });
+    return ScriptCommands::perform(command, {.tracker = tracker,
+                                             .togglePinFrontmostWindow = [this] { togglePinFrontmostWindow(); },
+                                             .openMenuAtPointer = [this] { return openMenuAtPointer(); },
+                                             .shortcut = shortcutDisplayString(),
+                                             .shortcutState = shortcutState()});
 }
-
-// The global shortcut has no tap and no stored form yet: the built-in one stays, and scripts toggle instead.
-
-void AppDelegate::loadShortcut() {}
-
-void AppDelegate::republishHotkey() {}
-
-void AppDelegate::registerHotkey() {}
-
-// There is no status item yet, so nothing is created, moved or redrawn.
-
-void AppDelegate::migrateLegacyPillColorKey() {}
-
-void AppDelegate::createStatusItem() {}
-
-void AppDelegate::applyStatusItemVisibility() {}
-
-void AppDelegate::updateIcon() {}
 
 } // namespace quillon

@@ -4,12 +4,15 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 namespace quillon::CommandLine {
 
 namespace {
 
-constexpr std::array<std::string_view, 4> scriptVerbs{"pin", "unpin", "toggle", "list"};
+constexpr std::array<std::string_view, 6> scriptVerbs{"pin", "unpin", "toggle", "list", "menu", "status"};
+
+constexpr std::string_view inputRoutingOption = "--input-routing";
 
 UsageError usageError(std::string_view problem) {
     return {fmt::format("{}: \"quillon --help\" mostra l'uso", problem)};
@@ -21,6 +24,22 @@ Request alone(Request request, const std::vector<std::string>& arguments) {
         return usageError(fmt::format("«{}» non vuole argomenti", arguments.front()));
     }
     return request;
+}
+
+/// What follows the option's name; none for a value that does not exist.
+std::optional<InputRouting> inputRoutingOf(std::string_view value) {
+    return value == "=forward"  ? std::optional(InputRouting::forward)
+           : value == "=scroll" ? std::optional(InputRouting::scroll)
+                                : std::nullopt;
+}
+
+Request parseInputRouting(const std::vector<std::string>& arguments) {
+    const auto value = std::string_view(arguments.front()).substr(inputRoutingOption.size());
+    const auto routing = inputRoutingOf(value);
+    if (!routing) {
+        return usageError(fmt::format("«{}» vuole =forward o =scroll", inputRoutingOption));
+    }
+    return alone(Run{*routing}, arguments);
 }
 
 Request parseDefaults(const std::vector<std::string>& arguments) {
@@ -54,6 +73,9 @@ Request parse(const std::vector<std::string>& arguments) {
     if (first == "--list-windows") {
         return alone(ListWindows(), arguments);
     }
+    if (first == inputRoutingOption || first.starts_with(fmt::format("{}=", inputRoutingOption))) {
+        return parseInputRouting(arguments);
+    }
     if (first == "defaults") {
         return parseDefaults(arguments);
     }
@@ -75,6 +97,8 @@ Comandi per il programma in esecuzione:
   unpin [FINESTRA|front|all]  sblocca la finestra indicata, quella in primo piano o tutte
   toggle                      fissa o sblocca la finestra in primo piano
   list                        elenca le finestre fissate: numero, tabulazione, nome
+  menu                        apre il menu di Quillon dov'è il puntatore
+  status                      mostra come stanno la scorciatoia, l'icona e le finestre fissate
 
 Impostazioni:
   defaults read CHIAVE           mostra un valore
@@ -82,9 +106,11 @@ Impostazioni:
   defaults delete CHIAVE         elimina un valore
 
 Opzioni:
-  --list-windows   elenca le finestre che si possono fissare
-  --help           mostra questo aiuto
-  --version        mostra la versione
+  --input-routing=forward   avvia Quillon; clic e scorrimento vanno alla finestra vera (predefinito)
+  --input-routing=scroll    avvia Quillon; lo scorrimento va alla finestra vera, un clic passa a essa
+  --list-windows            elenca le finestre che si possono fissare
+  --help                    mostra questo aiuto
+  --version                 mostra la versione
 
 FINESTRA è un numero di finestra, decimale o esadecimale (0x…).
 

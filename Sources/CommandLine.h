@@ -1,5 +1,6 @@
 #pragma once
 
+#include "InputRouting.h"
 #include "Platform/Application.h"
 
 #include <string>
@@ -12,7 +13,10 @@
 namespace quillon::CommandLine {
 
 /// Start the application, or reopen the one that runs.
-struct Run {};
+struct Run {
+    /// For a start.
+    InputRouting inputRouting = InputRouting::forward;
+};
 struct ShowHelp {};
 struct ShowVersion {};
 struct ListWindows {};

@@ -9,7 +9,8 @@ class WindowOverlay;
 /// Hands input on a panel to the real window. Main thread.
 namespace EventForwarder {
 
-/// Repeats the event in the overlay's real window without activating it.
+/// Repeats a mouse or scroll-wheel event in the overlay's real window, at the same place relative to its size,
+/// without activating it. What cannot be repeated is dropped.
 void forward(const PanelEvent& event, const WindowOverlay& overlay);
 
 } // namespace EventForwarder

@@ -1,7 +1,11 @@
 #include "ScriptCommands.h"
 
 #include "ExitStatus.h"
+#include "PellamKit/PellamStatusItemVisibility.h"
 #include "PinnedWindowTracker.h"
+#include "Platform/Platform.h"
+#include "Platform/StatusBar.h"
+#include "ProgrammingError.h"
 #include "WindowDetector.h"
 
 #include <fmt/format.h>
@@ -98,10 +102,10 @@ ScriptReply unpin(PinnedWindowTracker& tracker, const std::string& argument) {
     return {ExitStatus::success, fmt::format("Sbloccata: finestra {}", *windowID)};
 }
 
-ScriptReply toggle(PinnedWindowTracker& tracker, const std::function<void()>& togglePinFrontmostWindow) {
-    const auto before = tracker.pinnedWindows();
-    togglePinFrontmostWindow();
-    const auto& after = tracker.pinnedWindows();
+ScriptReply toggle(const Program& program) {
+    const auto before = program.tracker.pinnedWindows();
+    program.togglePinFrontmostWindow();
+    const auto& after = program.tracker.pinnedWindows();
     if (after.size() == before.size()) {
         return failure("Nessuna finestra da fissare: porta in primo piano la finestra di un'altra applicazione");
     }
@@ -127,10 +131,41 @@ ScriptReply list(const PinnedWindowTracker& tracker) {
     return {ExitStatus::success, text};
 }
 
+ScriptReply menu(const Program& program) {
+    if (!program.openMenuAtPointer()) {
+        return failure("Il menu non si può aprire in questo momento: riprova");
+    }
+    return {ExitStatus::success, ""};
+}
+
+std::string describeShortcut(const Program& program) {
+    switch (program.shortcutState) {
+    case ShortcutState::notSet:
+        return "non impostata";
+    case ShortcutState::waitingForPermission:
+        return program.shortcut + ", in attesa del permesso di Accessibilità";
+    case ShortcutState::active:
+        return program.shortcut + ", attiva";
+    case ShortcutState::heldByAnotherProgram:
+        return program.shortcut +
+               ", usata da un altro programma (scegline un'altra nelle impostazioni o liberala in quel programma)";
+    case ShortcutState::missingOnKeyboard:
+        return program.shortcut + ", che su questa tastiera manca (scegline un'altra nelle impostazioni)";
+    }
+    programmingError("an unknown state of the shortcut");
+}
+
+ScriptReply status(const Program& program) {
+    const auto* icon = PellamStatusItemVisibility::isVisible() ? "visibile" : "nascosta (\"quillon\" la mostra)";
+    const auto* bar = platform().statusBar().showsItems() ? "presente" : "assente (\"quillon menu\" apre il menu)";
+    return {ExitStatus::success,
+            fmt::format("Scorciatoia: {}\nIcona: {}\nBarra di stato: {}\nFinestre fissate: {}",
+                        describeShortcut(program), icon, bar, program.tracker.pinnedWindows().size())};
+}
+
 } // namespace
 
-ScriptReply perform(const ScriptCommand& command, PinnedWindowTracker& tracker,
-                    const std::function<void()>& togglePinFrontmostWindow) {
+ScriptReply perform(const ScriptCommand& command, const Program& program) {
     const auto& arguments = command.arguments;
     const bool takesWindow = command.verb == "pin" || command.verb == "unpin";
     if (arguments.size() > (takesWindow ? 1U : 0U)) {
@@ -138,16 +173,22 @@ ScriptReply perform(const ScriptCommand& command, PinnedWindowTracker& tracker,
     }
     const std::string window = arguments.empty() ? "front" : arguments.front();
     if (command.verb == "pin") {
-        return pin(tracker, window);
+        return pin(program.tracker, window);
     }
     if (command.verb == "unpin") {
-        return unpin(tracker, window);
+        return unpin(program.tracker, window);
     }
     if (command.verb == "toggle") {
-        return toggle(tracker, togglePinFrontmostWindow);
+        return toggle(program);
     }
     if (command.verb == "list") {
-        return list(tracker);
+        return list(program.tracker);
+    }
+    if (command.verb == "menu") {
+        return menu(program);
+    }
+    if (command.verb == "status") {
+        return status(program);
     }
     return usage(fmt::format("Comando sconosciuto «{}»: \"quillon --help\" elenca i comandi", command.verb));
 }

@@ -8,6 +8,7 @@
 #include <limits>
 #include <locale>
 #include <sstream>
+#include <vector>
 
 namespace quillon {
 
@@ -23,6 +24,18 @@ std::size_t readCodePoint(std::string_view text, utf8proc_int32_t& codepoint) {
         return 1;
     }
     return static_cast<std::size_t>(length);
+}
+
+/// The text with U+FFFD in the place of each byte that is not UTF-8.
+std::string withoutInvalidBytes(std::string_view text) {
+    std::string result;
+    while (!text.empty()) {
+        utf8proc_int32_t codepoint = -1;
+        const auto length = readCodePoint(text, codepoint);
+        result += codepoint < 0 ? "\uFFFD" : text.substr(0, length);
+        text.remove_prefix(length);
+    }
+    return result;
 }
 
 std::size_t countDigits(std::string_view text) {
@@ -75,6 +88,24 @@ std::string cutToCharacters(std::string_view text, std::size_t limit) {
         offset += length;
     }
     return std::string(text);
+}
+
+std::u32string canonicalComposition(std::string_view text) {
+    const auto repaired = withoutInvalidBytes(text);
+    const auto decompose = [&](std::vector<utf8proc_int32_t>& buffer) {
+        return utf8proc_decompose(reinterpret_cast<const utf8proc_uint8_t*>(repaired.data()),
+                                  static_cast<utf8proc_ssize_t>(repaired.size()), buffer.data(),
+                                  static_cast<utf8proc_ssize_t>(buffer.size()),
+                                  static_cast<utf8proc_option_t>(UTF8PROC_STABLE | UTF8PROC_DECOMPOSE));
+    };
+    std::vector<utf8proc_int32_t> scalars;
+    // A buffer that is too small tells the size that is needed.
+    scalars.resize(static_cast<std::size_t>(decompose(scalars)));
+    decompose(scalars);
+    const auto length = utf8proc_normalize_utf32(scalars.data(), static_cast<utf8proc_ssize_t>(scalars.size()),
+                                                 static_cast<utf8proc_option_t>(UTF8PROC_STABLE | UTF8PROC_COMPOSE));
+    scalars.resize(static_cast<std::size_t>(length));
+    return {scalars.begin(), scalars.end()};
 }
 
 bool isValidUTF8(std::string_view text) {

@@ -11,6 +11,10 @@ namespace quillon {
 /// first `limit` of them and "…". Bytes that are not UTF-8 count as one character each.
 [[nodiscard]] std::string cutToCharacters(std::string_view text, std::size_t limit);
 
+/// The text's Unicode scalar values, canonically composed (NFC), by whose numbers texts are ordered; it is how macOS
+/// orders them without a locale. Each byte that is not UTF-8 counts as U+FFFD.
+[[nodiscard]] std::u32string canonicalComposition(std::string_view text);
+
 /// True when the text is well-formed UTF-8.
 [[nodiscard]] bool isValidUTF8(std::string_view text);
 

@@ -1,10 +1,8 @@
 #include "WindowDetector.h"
 
-#include "Platform/Accessibility.h"
+#include "AccessibilityReading.h"
 #include "Platform/Platform.h"
 #include "Platform/Workspace.h"
-
-#include <cmath>
 
 namespace quillon::WindowDetector {
 
@@ -20,30 +18,13 @@ struct FocusedWindow {
     std::optional<DisplayRect> frame;
 };
 
-std::optional<DisplayRect> readFrame(const AccessibilityElement& window) {
-    const auto position = window.copyAttributeValue("AXPosition");
-    const auto* origin = position.get<DisplayPoint>();
-    if (origin == nullptr) {
-        return std::nullopt;
-    }
-    const auto extent = window.copyAttributeValue("AXSize");
-    const auto* size = extent.get<Size>();
-    if (size == nullptr) {
-        return std::nullopt;
-    }
-    return DisplayRect{*origin, *size};
-}
-
 FocusedWindow readFocusedWindow(ProcessID pid) {
     const auto application = platform().accessibility().applicationElement(pid);
-    const auto focused = application->copyAttributeValue("AXFocusedWindow");
-    const auto* window = focused.get<std::shared_ptr<AccessibilityElement>>();
-    if (window == nullptr) {
+    const auto window = copyElement(*application, "AXFocusedWindow");
+    if (!window) {
         return {};
     }
-    const auto titleRead = (*window)->copyAttributeValue("AXTitle");
-    const auto* title = titleRead.get<std::string>();
-    return {title != nullptr ? *title : std::string(), readFrame(**window)};
+    return {copyString(*window, "AXTitle").value_or(""), frameOf(*window)};
 }
 
 std::string ownerName(const std::optional<RunningApplication>& application) {
@@ -52,12 +33,6 @@ std::string ownerName(const std::optional<RunningApplication>& application) {
 
 bool isOrdinary(const WindowDescription& entry) {
     return entry.ownerPID && entry.number && entry.layer == 0;
-}
-
-bool isNear(const DisplayRect& a, const DisplayRect& b) {
-    return std::abs(a.origin.x - b.origin.x) < frameTolerance && std::abs(a.origin.y - b.origin.y) < frameTolerance &&
-           std::abs(a.size.width - b.size.width) < frameTolerance &&
-           std::abs(a.size.height - b.size.height) < frameTolerance;
 }
 
 /// The first candidate that the predicate accepts.
@@ -81,7 +56,7 @@ const WindowDescription* findWindow(const std::vector<WindowDescription>& window
     }
     if (found == nullptr && focused.frame) {
         found = firstCandidate(windows, owner, [&](const auto& entry) {
-            return entry.bounds && isNear(entry.bounds->rect(), *focused.frame);
+            return entry.bounds && focused.frame->isNear(entry.bounds->rect(), frameTolerance);
         });
     }
     if (found == nullptr) {

@@ -281,9 +281,7 @@ void WindowOverlay::scrollThroughAccessibility(const PanelEvent& event) const {
     }
     const DisplayPoint point{bounds->minX() + bounds->size.width * (event.locationInWindow.x / width),
                              bounds->minY() + bounds->size.height * ((height - event.locationInWindow.y) / height)};
-    AXScroller::queue().async([pid = pid, windowID = windowID, deltaY = event.scrollingDeltaY, point] {
-        AXScroller::scroll(pid, windowID, deltaY, point);
-    });
+    AXScroller::scroll(pid, windowID, event.scrollingDeltaY, point);
 }
 
 /// True when the event was for the real window: handed on to it, or a request to switch to it.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Menu.h"
+
 #include <memory>
 #include <string>
 #include <vector>
@@ -47,6 +49,9 @@ public:
     /// Held weakly: the caller keeps the delegate alive.
     virtual void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) = 0;
     virtual void setActivationPolicy(ActivationPolicy policy) = 0;
+    /// The menu whose key equivalents work while one of the program's own windows has the keyboard focus: an item for
+    /// each submenu. Shown only where an active program has a menu bar.
+    virtual void setMainMenu(std::shared_ptr<Menu> menu) = 0;
     /// Calls `applicationDidFinishLaunching`, then serves events until termination was asked for, calls
     /// `applicationWillTerminate` and returns (or ends the process, where the platform does so).
     virtual void run() = 0;

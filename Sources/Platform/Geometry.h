@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cmath>
 
 /// Points, sizes and rectangles, in points (a point is one pixel on a screen of scale 1). The coordinate
 /// space is part of the type, so that flipped coordinates cannot be mixed up.
@@ -43,6 +44,17 @@ struct RectIn {
     [[nodiscard]] bool intersects(const RectIn& other) const {
         return std::max(minX(), other.minX()) < std::min(maxX(), other.maxX()) &&
                std::max(minY(), other.minY()) < std::min(maxY(), other.maxY());
+    }
+
+    /// The right edge and the one at the larger y are outside (CGRectContainsPoint).
+    [[nodiscard]] bool contains(const PointIn<Space>& point) const {
+        return point.x >= minX() && point.x < maxX() && point.y >= minY() && point.y < maxY();
+    }
+    /// Whether origin and size differ by less than the tolerance in either direction.
+    [[nodiscard]] bool isNear(const RectIn& other, double tolerance) const {
+        return std::abs(origin.x - other.origin.x) < tolerance && std::abs(origin.y - other.origin.y) < tolerance &&
+               std::abs(size.width - other.size.width) < tolerance &&
+               std::abs(size.height - other.size.height) < tolerance;
     }
 
     bool operator==(const RectIn&) const = default;

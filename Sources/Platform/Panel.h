@@ -40,8 +40,17 @@ struct PanelEvent {
     /// The pointer relative to the panel's frame at the time of the call.
     WindowPoint locationInWindow;
     ModifierFlags modifierFlags = 0;
-    /// Vertical scrolling in points, or in lines for a wheel with steps; positive towards the top.
+    /// Scrolling in points, or in lines for a wheel with steps; positive towards the top and the left.
+    double scrollingDeltaX = 0;
     double scrollingDeltaY = 0;
+    /// The deltas are points (a trackpad), not lines.
+    bool hasPreciseScrollingDeltas = false;
+    /// Of a press and its release: 2 for the second one of a double-click, and so on; 0 when it is no click.
+    std::int64_t clickCount = 0;
+    /// From 0 to 1.
+    double pressure = 0;
+    /// 0 left, 1 right, 2 the middle one, and so on.
+    std::int64_t buttonNumber = 0;
 };
 
 /// Stacking levels (NSWindowLevel); a higher one lies in front.

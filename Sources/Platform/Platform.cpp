@@ -18,6 +18,14 @@ Platform& platform() {
     return *current;
 }
 
+Application& sharedApplication() {
+    auto* application = platform().sharedApplication();
+    if (application == nullptr) {
+        programmingError("there is no shared application");
+    }
+    return *application;
+}
+
 PlatformScope::PlatformScope(Platform& platform) : previous(std::exchange(current, &platform)) {
     OneTimeValueBase::resetAll();
 }

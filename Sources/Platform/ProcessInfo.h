@@ -25,6 +25,8 @@ public:
     virtual ~ProcessInfo() = default;
 
     [[nodiscard]] virtual ProcessID processIdentifier() const = 0;
+    /// The name of the program that the process runs.
+    [[nodiscard]] virtual std::string processName() const = 0;
     /// The macOS version whose input routing the platform follows.
     [[nodiscard]] virtual OperatingSystemVersion operatingSystemVersion() const = 0;
     /// The main bundle's identifier; none when the program does not run from a bundle.

@@ -38,6 +38,9 @@ public:
     /// Runs the task on the main thread every `interval`, for the first time after one interval, until
     /// the token is destroyed. Ticks that were missed are not made up for. Main thread.
     [[nodiscard]] virtual RegistrationToken scheduleRepeatingTimer(Seconds interval, Task task) = 0;
+    /// Stops the calling thread for that long. For a task of a serial queue, whose other tasks wait meanwhile; never
+    /// on the main thread.
+    virtual void sleep(Seconds duration) = 0;
     /// A new queue. The label is for debuggers and need not be unique.
     [[nodiscard]] virtual std::shared_ptr<SerialQueue> makeSerialQueue(const std::string& label) = 0;
 };

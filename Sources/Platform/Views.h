@@ -1,35 +1,12 @@
 #pragma once
 
+#include "Platform/Drawing.h"
 #include "Platform/Geometry.h"
 #include "Platform/Surface.h"
 
 #include <memory>
-#include <span>
 
 namespace quillon {
-
-/// Components from 0 to 1, not premultiplied; device-independent grey.
-struct GrayColor {
-    double white = 0;
-    double alpha = 1;
-};
-
-struct LineSegment {
-    WindowPoint from;
-    WindowPoint to;
-};
-
-/// Where a view draws (the current NSGraphicsContext). Coordinates are those of the view's bounds. Valid
-/// only during the call that hands it out.
-class DrawingContext {
-public:
-    virtual ~DrawingContext() = default;
-
-    /// The radius is that of both axes.
-    virtual void fillRoundedRectangle(const WindowRect& rect, double cornerRadius, GrayColor color) = 0;
-    /// Strokes all segments as one path with round line caps.
-    virtual void strokeSegments(std::span<const LineSegment> segments, double lineWidth, GrayColor color) = 0;
-};
 
 /// Shows one picture (CALayer), stretched to its frame (kCAGravityResize). Main thread.
 class Layer {

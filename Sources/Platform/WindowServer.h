@@ -47,8 +47,7 @@ struct WindowDescription {
     std::optional<WindowBoundsEntry> bounds; ///< kCGWindowBounds
 };
 
-/// The window server's list of windows (CGWindowListCopyWindowInfo). Any thread on macOS and in the
-/// simulation; main thread on X11.
+/// The window server's list of windows (CGWindowListCopyWindowInfo). Any thread.
 class WindowServer {
 public:
     virtual ~WindowServer() = default;

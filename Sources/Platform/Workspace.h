@@ -16,7 +16,8 @@ struct RunningApplication {
     std::optional<std::string> localizedName;
 };
 
-/// The running applications and what happens to them (NSWorkspace). Main thread.
+/// The running applications and what happens to them (NSWorkspace). Main thread, except where a member says
+/// otherwise.
 class Workspace {
 public:
     virtual ~Workspace() = default;
@@ -24,10 +25,13 @@ public:
     /// The notification's application; none when the notification carries none.
     using ApplicationCallback = std::function<void(const std::optional<RunningApplication>&)>;
 
-    /// The application that the user's keys go to; none when there is none.
+    /// The application that the user's keys go to; none when there is none. Any thread.
     [[nodiscard]] virtual std::optional<RunningApplication> frontmostApplication() const = 0;
     /// None when no running application has that process identifier.
     [[nodiscard]] virtual std::optional<RunningApplication> runningApplication(ProcessID pid) const = 0;
+    /// Brings the application to the front, with the windows that are in front of its others
+    /// (activateWithOptions: without options). Does nothing when no such application runs.
+    virtual void activateApplication(ProcessID pid) = 0;
     /// An application became the frontmost one (NSWorkspaceDidActivateApplicationNotification).
     [[nodiscard]] virtual RegistrationToken observeDidActivateApplication(ApplicationCallback callback) = 0;
     /// An application ended (NSWorkspaceDidTerminateApplicationNotification).

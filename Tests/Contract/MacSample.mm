@@ -1,12 +1,14 @@
 // A program with ordinary windows for the contract suite on a Mac. It is told on its standard input what to do, one
-// command a line, and writes the window's number on a line of its own when it is done:
+// command a line, and answers with a number on a line of its own when it is done, the window's unless stated otherwise:
 //
 //     open X Y WIDTH HEIGHT TITLE       a new window, the title up to the end of the line
+//     scroll X Y WIDTH HEIGHT TITLE     the same, filled by an area with a vertical scroll bar, which is at the top
 //     move NUMBER X Y WIDTH HEIGHT
 //     activate NUMBER                   done when the window is the key window: someone has to make this program active
 //     minimise NUMBER
 //     draw NUMBER                       a content that the window has not shown before
 //     close NUMBER
+//     keys NUMBER CODE                  answers how often the key was pressed in the window
 //
 // Places are in the window server's coordinates. The program ends with its standard input.
 
@@ -15,9 +17,11 @@
 
 #include <cstdlib>
 #include <iostream>
+#include <map>
 #include <sstream>
 #include <string>
 #include <thread>
+#include <utility>
 
 /// A window of which nothing but its maker decides where it lies.
 @interface SampleWindow : NSWindow
@@ -48,11 +52,23 @@
 
 @end
 
+/// What a scroll area shows a part of, the upper one first.
+@interface SampleDocument : NSView
+@end
+
+@implementation SampleDocument
+
+- (BOOL)isFlipped {
+    return YES;
+}
+
+@end
+
 namespace {
 
 /// Tells the other side that a command is done.
-void answer(NSInteger windowNumber) {
-    std::cout << windowNumber << std::endl;
+void answer(NSInteger number) {
+    std::cout << number << std::endl;
 }
 
 NSRect readPlace(std::istream& arguments) {
@@ -73,11 +89,19 @@ NSRect readPlace(std::istream& arguments) {
     NSMutableDictionary<NSNumber*, SampleWindow*>* windows;
     /// The window that is to become the key window, else nil.
     SampleWindow* awaitedKeyWindow;
+    /// By the window's number and the key's code.
+    std::map<std::pair<NSInteger, unsigned>, NSInteger> keyPresses;
 }
 
 - (instancetype)init {
     self = [super init];
     windows = [NSMutableDictionary dictionary];
+    // Before menus look for their key equivalents, and not to be heard: AppKit beeps at a key that nobody wants.
+    [NSEvent addLocalMonitorForEventsMatchingMask:NSEventMaskKeyDown
+                                          handler:^NSEvent*(NSEvent* event) {
+                                              ++self->keyPresses[{event.windowNumber, event.keyCode}];
+                                              return nil;
+                                          }];
     return self;
 }
 
@@ -85,11 +109,15 @@ NSRect readPlace(std::istream& arguments) {
     std::istringstream arguments(line);
     std::string command;
     arguments >> command;
-    if (command == "open") {
+    if (command == "open" || command == "scroll") {
         const NSRect place = readPlace(arguments);
         std::string title;
         std::getline(arguments >> std::ws, title);
-        [self openAt:place title:title];
+        SampleWindow* const window = [self openAt:place title:title];
+        if (command == "scroll") {
+            [self addScrollAreaTo:window];
+        }
+        answer(window.windowNumber);
         return;
     }
     long number = 0;
@@ -110,13 +138,17 @@ NSRect readPlace(std::istream& arguments) {
         [self drawIn:window];
     } else if (command == "close") {
         [self close:window];
+    } else if (command == "keys") {
+        unsigned code = 0;
+        arguments >> code;
+        answer(keyPresses[{number, code}]);
     } else {
         std::cerr << "there is no such command: " << line << std::endl;
         std::exit(EXIT_FAILURE);
     }
 }
 
-- (void)openAt:(NSRect)place title:(const std::string&)title {
+- (SampleWindow*)openAt:(NSRect)place title:(const std::string&)title {
     // The content reaches below the title bar, so that the content's place is the window's.
     SampleWindow* const window = [[SampleWindow alloc]
         initWithContentRect:place
@@ -133,7 +165,19 @@ NSRect readPlace(std::istream& arguments) {
     [window setFrame:place display:YES];
     [window orderFront:nil];
     windows[@(window.windowNumber)] = window;
-    answer(window.windowNumber);
+    return window;
+}
+
+- (void)addScrollAreaTo:(SampleWindow*)window {
+    NSView* const content = window.contentView;
+    NSScrollView* const area = [[NSScrollView alloc] initWithFrame:content.bounds];
+    // Room for the title bar above the document would be scrolled, too.
+    area.automaticallyAdjustsContentInsets = NO;
+    area.hasVerticalScroller = YES;
+    NSRect documentFrame = content.bounds;
+    documentFrame.size.height *= 4;
+    area.documentView = [[SampleDocument alloc] initWithFrame:documentFrame];
+    [content addSubview:area];
 }
 
 - (void)activate:(SampleWindow*)window {

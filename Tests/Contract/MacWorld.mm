@@ -15,14 +15,16 @@
 #include <fmt/format.h>
 #include <poll.h>
 #include <stdexcept>
+#include <string_view>
 #include <unistd.h>
 #include <vector>
 
 // The suite takes over the desktop of the user who runs it, in a session with a screen: windows open and close, the
-// pointer moves and clicks, the screen's size changes for a moment. macOS asks the user for two permissions, which
-// belong to the program that the tests are started from (the terminal) and count from its next start:
+// pointer moves and clicks, keys are pressed, the screen's size changes for a moment. macOS asks the user for two
+// permissions, which belong to the program that the tests are started from (the terminal) and count from its next
+// start:
 //
-//   - Accessibility, to switch between windows, to click and to read other programs' windows;
+//   - Accessibility, to switch between windows, to click, to press keys and to read other programs' windows;
 //   - Screen Recording ("Screen & System Audio Recording" from macOS 15 on), for the titles and pictures of windows.
 //
 // Both are switched on in System Settings under Privacy & Security. Without them the tests that need them fail and
@@ -83,19 +85,19 @@ public:
                     static_cast<ssize_t>(line.size()),
                 "the sample program has ended before it was told: " + command);
     }
-    /// The number of the window that the command was about, once it is carried out.
-    WindowID answer() {
+    /// The number that the program answers with, once the command is carried out.
+    std::uint32_t answer() {
         std::string line;
         char byte = 0;
         while (outputIsReadable() && ::read(outputFile(), &byte, 1) == 1) {
             if (byte == '\n') {
-                return static_cast<WindowID>(std::stoul(line));
+                return static_cast<std::uint32_t>(std::stoul(line));
             }
             line += byte;
         }
         throw std::runtime_error("the sample program did not do what it was told");
     }
-    WindowID obey(const std::string& command) {
+    std::uint32_t obey(const std::string& command) {
         send(command);
         return answer();
     }
@@ -212,14 +214,14 @@ public:
     }
 
     OtherWindow openWindow(const std::string& title, const DisplayRect& bounds) override {
-        requireControlOfOtherPrograms();
-        requirePermission(CGPreflightScreenCaptureAccess(), "Screen Recording");
-        samples.push_back(std::make_unique<SampleProgram>());
-        return open(*samples.back(), title, bounds);
+        return open(startSample(), "open", title, bounds);
     }
     OtherWindow openSecondWindow(const OtherWindow& first, const std::string& title,
                                  const DisplayRect& bounds) override {
-        return open(sampleOf(first), title, bounds);
+        return open(sampleOf(first), "open", title, bounds);
+    }
+    std::optional<OtherWindow> openScrollingWindow() override {
+        return open(startSample(), "scroll", "Lista", {{100, 100}, {400, 300}});
     }
     void activate(const OtherWindow& window) override {
         auto& sample = sampleOf(window);
@@ -248,6 +250,28 @@ public:
         }
     }
 
+    void pressKey(const KeyPress& press) override {
+        requireControlOfOtherPrograms();
+        for (const bool isDown : {true, false}) {
+            const auto event = Retained<CGEventRef>::adopt(CGEventCreateKeyboardEvent(nullptr, press.keyCode, isDown));
+            CGEventSetFlags(event.get(), press.modifiers);
+            CGEventPost(kCGHIDEventTap, event.get());
+        }
+    }
+    std::size_t keyPressesOf(const OtherWindow& window, std::uint16_t keyCode) override {
+        return sampleOf(window).obey(fmt::format("keys {} {}", window.windowID, keyCode));
+    }
+    /// Taps do not claim presses, so that nobody can claim one before them.
+    bool claim(const KeyPress& /*press*/) override { return false; }
+    void giveBack(const KeyPress& /*press*/) override { throw std::logic_error("nothing was claimed"); }
+    /// Key codes are the same on every keyboard.
+    bool changeKeyboard(bool /*hasKeyP*/) override { return false; }
+
+    /// An open menu keeps the main thread, on which the test runs, until it closes.
+    bool openStatusMenu(StatusItem& /*item*/) override { return false; }
+    void chooseMenuItem(const std::string& /*title*/) override { throw std::logic_error("no menu is open"); }
+    void dismissMenu() override { throw std::logic_error("no menu is open"); }
+
     /// Another size of the main display, until the world or at the latest the process ends; there is none on a display
     /// with one size only.
     bool changeScreens() override {
@@ -268,8 +292,16 @@ public:
     }
 
 private:
-    OtherWindow open(SampleProgram& sample, const std::string& title, const DisplayRect& bounds) {
-        const OtherWindow window{sample.obey(fmt::format("open {} {}", text(bounds), title)), sample.pid()};
+    SampleProgram& startSample() {
+        requireControlOfOtherPrograms();
+        requirePermission(CGPreflightScreenCaptureAccess(), "Screen Recording");
+        samples.push_back(std::make_unique<SampleProgram>());
+        return *samples.back();
+    }
+
+    OtherWindow open(SampleProgram& sample, std::string_view command, const std::string& title,
+                     const DisplayRect& bounds) {
+        const OtherWindow window{sample.obey(fmt::format("{} {} {}", command, text(bounds), title)), sample.pid()};
         activate(window);
         require(runUntil([&] { return isOnScreen(window.windowID); }, stepBound),
                 "a window of the sample program does not come on screen");

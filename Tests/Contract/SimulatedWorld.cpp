@@ -2,6 +2,8 @@
 
 #include "Simulated/Desktop.h"
 
+#include <map>
+
 namespace quillon::contract {
 namespace {
 
@@ -23,6 +25,12 @@ public:
                                  const DisplayRect& bounds) override {
         return {desktop.openWindow(first.pid, title, bounds), first.pid};
     }
+    std::optional<OtherWindow> openScrollingWindow() override {
+        const DisplayRect bounds{{100, 100}, {400, 300}};
+        const auto window = openWindow("Lista", bounds);
+        desktop.accessibility().window(window.windowID)->addScrollArea(bounds).addVerticalScrollBar(0);
+        return window;
+    }
     void activate(const OtherWindow& window) override { desktop.activateWindow(window.windowID); }
     void move(const OtherWindow& window, const DisplayRect& bounds) override { desktop.move(window.windowID, bounds); }
     void minimise(const OtherWindow& window) override { desktop.minimise(window.windowID); }
@@ -30,6 +38,30 @@ public:
     void close(const OtherWindow& window) override { desktop.close(window.windowID); }
     void kill(const OtherWindow& window) override { desktop.terminate(window.pid); }
     void click(const ScreenPoint& point) override { desktop.click(point); }
+    void pressKey(const KeyPress& press) override {
+        if (desktop.eventTaps().pressKey(press.keyCode, press.modifiers) == TappedEvent::passes) {
+            ++keyPresses[press.keyCode];
+        }
+    }
+    std::size_t keyPressesOf(const OtherWindow& /*window*/, std::uint16_t keyCode) override {
+        return keyPresses[keyCode];
+    }
+    bool claim(const KeyPress& press) override {
+        desktop.eventTaps().setReach(press, KeyPressReach::heldByAnotherProgram);
+        return true;
+    }
+    void giveBack(const KeyPress& press) override { desktop.eventTaps().setReach(press, KeyPressReach::reaches); }
+    bool changeKeyboard(bool hasKeyP) override {
+        desktop.eventTaps().setReach(controlCommandP,
+                                     hasKeyP ? KeyPressReach::reaches : KeyPressReach::missingOnKeyboard);
+        return true;
+    }
+    bool openStatusMenu(StatusItem& item) override {
+        desktop.statusBar().click(dynamic_cast<simulated::SimulatedStatusItem&>(item));
+        return true;
+    }
+    void chooseMenuItem(const std::string& title) override { desktop.statusBar().choose(title); }
+    void dismissMenu() override { desktop.statusBar().dismissMenu(); }
     bool changeScreens() override {
         desktop.changeScreens({{{{0, 0}, {1200, 900}}, 1}});
         return true;
@@ -47,6 +79,8 @@ public:
 
 private:
     simulated::Desktop desktop;
+    /// Of the window in front, by key code: what no tap swallowed.
+    std::map<std::uint16_t, std::size_t> keyPresses;
 };
 
 } // namespace

@@ -1,6 +1,5 @@
 #include "ContractTest.h"
 
-#include "Platform/Accessibility.h"
 #include "Platform/NotificationCenter.h"
 #include "Platform/ProcessInfo.h"
 #include "Platform/Screens.h"
@@ -39,7 +38,6 @@ protected:
 };
 
 using WorkspaceContract = ContractTest;
-using AccessibilityContract = ContractTest;
 using ScreensContract = ContractTest;
 using ProcessInfoContract = ContractTest;
 using NotificationCenterContract = ContractTest;
@@ -161,42 +159,6 @@ TEST_F(WorkspaceContract, AnObserverThatIsGoneIsNotCalled) {
     world->activate(second);
     world->kill(first);
     EXPECT_TRUE(stays([&] { return calls == 0; }));
-}
-
-TEST_F(AccessibilityContract, TheFocusedWindowTellsItsTitleAndFrame) {
-    const auto window = world->openWindow("Primo titolo", here);
-    world->activate(window);
-    const auto application = desktop().accessibility().applicationElement(window.pid);
-    ASSERT_TRUE(eventually(
-        [&] { return application->copyAttributeValue("AXFocusedWindow").error == AccessibilityError::success; }));
-    const auto focused = application->copyAttributeValue("AXFocusedWindow");
-    const auto* element = focused.get<std::shared_ptr<AccessibilityElement>>();
-    ASSERT_NE(element, nullptr);
-    const auto title = (*element)->copyAttributeValue("AXTitle");
-    const auto position = (*element)->copyAttributeValue("AXPosition");
-    const auto size = (*element)->copyAttributeValue("AXSize");
-    ASSERT_NE(title.get<std::string>(), nullptr);
-    ASSERT_NE(position.get<DisplayPoint>(), nullptr);
-    ASSERT_NE(size.get<Size>(), nullptr);
-    EXPECT_EQ(*title.get<std::string>(), "Primo titolo");
-    EXPECT_EQ(*position.get<DisplayPoint>(), here.origin);
-    EXPECT_EQ(*size.get<Size>(), here.size);
-}
-
-TEST_F(AccessibilityContract, AnUnknownAttributeIsAnError) {
-    const auto window = world->openWindow("Primo", here);
-    world->activate(window);
-    const auto application = desktop().accessibility().applicationElement(window.pid);
-    EXPECT_NE(application->copyAttributeValue("AXContractUnknown").error, AccessibilityError::success);
-}
-
-TEST_F(AccessibilityContract, AnApplicationThatHasEndedAnswersWithAnError) {
-    const auto window = world->openWindow("Primo", here);
-    world->activate(window);
-    world->kill(window);
-    const auto application = desktop().accessibility().applicationElement(window.pid);
-    EXPECT_TRUE(eventually(
-        [&] { return application->copyAttributeValue("AXFocusedWindow").error != AccessibilityError::success; }));
 }
 
 TEST_F(ScreensContract, ThePrimaryScreenComesFirstAndHoldsTheOrigin) {

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "Platform/EventTap.h"
 #include "Platform/Geometry.h"
 #include "Platform/Platform.h"
 #include "Platform/Scheduler.h"
+#include "Platform/StatusBar.h"
 #include "Platform/WindowServer.h"
 
 #include <functional>
@@ -17,6 +19,8 @@ struct OtherWindow {
     WindowID windowID = 0;
     ProcessID pid = 0;
 };
+
+inline constexpr KeyPress controlCommandP{35, eventFlagMaskControl | eventFlagMaskCommand};
 
 /// A desktop on which a platform is put to the test: the platform itself and what other programs and the user do
 /// beside it. Every action is complete, as far as the desktop is concerned, when it returns; what the platform
@@ -38,6 +42,9 @@ public:
     /// A further window of a program that `openWindow` started.
     virtual OtherWindow openSecondWindow(const OtherWindow& first, const std::string& title,
                                          const DisplayRect& bounds) = 0;
+    /// Starts a program whose window has an area with a vertical scroll bar, which is at the top; none when there is no
+    /// such program on this desktop.
+    virtual std::optional<OtherWindow> openScrollingWindow() = 0;
     /// The user switches to the window.
     virtual void activate(const OtherWindow& window) = 0;
     virtual void move(const OtherWindow& window, const DisplayRect& bounds) = 0;
@@ -49,6 +56,22 @@ public:
     virtual void kill(const OtherWindow& window) = 0;
     /// The user presses and releases the left button at a point of the panels' coordinates.
     virtual void click(const ScreenPoint& point) = 0;
+    /// The user presses and releases a key while holding the modifiers.
+    virtual void pressKey(const KeyPress& press) = 0;
+    /// How many presses of the key the window has got. Not while a key is pressed.
+    [[nodiscard]] virtual std::size_t keyPressesOf(const OtherWindow& window, std::uint16_t keyCode) = 0;
+    /// Another program claims the key press for itself; false when a program cannot do that on this desktop.
+    [[nodiscard]] virtual bool claim(const KeyPress& press) = 0;
+    virtual void giveBack(const KeyPress& press) = 0;
+    /// The user changes to a keyboard without the P key, or back to one that has it; false when this desktop has no
+    /// such keyboards. (The simulation takes away `controlCommandP` only.)
+    [[nodiscard]] virtual bool changeKeyboard(bool hasKeyP) = 0;
+    /// The user clicks on the status item, and its menu is open; false when a program cannot do that on this desktop.
+    [[nodiscard]] virtual bool openStatusMenu(StatusItem& item) = 0;
+    /// The user chooses the one item of that title in the open menu.
+    virtual void chooseMenuItem(const std::string& title) = 0;
+    /// The user closes the open menu without choosing anything.
+    virtual void dismissMenu() = 0;
     /// Changes the number or the size of the screens; false when a program cannot do that on this desktop.
     [[nodiscard]] virtual bool changeScreens() = 0;
 

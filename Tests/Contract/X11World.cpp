@@ -1,14 +1,19 @@
 #include "RealFilesWorld.h"
 
 #include "Desktop.h"
+#include "EvdevKeys.h"
 #include "XClient.h"
 
 #include "Platform/Scheduler.h"
+#include "Platform/X11/QtApplication.h"
 #include "Platform/X11/X11Platform.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QEventLoop>
+#include <QMenu>
 
+#include <algorithm>
+#include <array>
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
@@ -26,6 +31,27 @@ Rect pixels(const DisplayRect& rect) {
             static_cast<int>(rect.size.height)};
 }
 
+struct ModifierKey {
+    EventFlags flag;
+    std::uint8_t key;
+    /// The bit that the test server's keyboard has for it.
+    std::uint16_t bit;
+};
+constexpr std::array<ModifierKey, 4> modifierKeys{{
+    {eventFlagMaskShift, e2e::shiftKey, XCB_MOD_MASK_SHIFT},
+    {eventFlagMaskControl, e2e::controlKey, XCB_MOD_MASK_CONTROL},
+    {eventFlagMaskAlternate, e2e::altKey, XCB_MOD_MASK_1},
+    {eventFlagMaskCommand, e2e::superKey, XCB_MOD_MASK_4},
+}};
+
+std::uint16_t modifierBits(EventFlags flags) {
+    std::uint16_t bits = 0;
+    for (const auto& modifier : modifierKeys) {
+        bits |= (flags & modifier.flag) != 0 ? modifier.bit : 0;
+    }
+    return bits;
+}
+
 /// The platform on a real X server, in this process; the other programs are real ones.
 class X11World final : public RealFilesWorld {
 public:
@@ -34,7 +60,7 @@ public:
         for (const auto& [name, value] : desktop.environment()) {
             setenv(name.c_str(), value.c_str(), 1);
         }
-        application = std::make_unique<QCoreApplication>(argumentCount, arguments);
+        application = x11::makeApplication();
         auto opened = x11::Connection::open();
         if (const auto* problem = std::get_if<std::string>(&opened)) {
             throw std::runtime_error(*problem);
@@ -85,6 +111,16 @@ public:
         return window;
     }
 
+    std::optional<OtherWindow> openScrollingWindow() override {
+        desktop.startAccessibilityBus();
+        programs.push_back(desktop.start({"gtk3-demo"}));
+        const auto pid = programs.back()->pid();
+        require(client.waitUntil([&] { return client.managedWindowsOf(pid).size() == 1; }));
+        const OtherWindow window{client.managedWindowsOf(pid).front(), pid};
+        activate(window);
+        return window;
+    }
+
     void activate(const OtherWindow& window) override {
         client.activate(window.windowID);
         require(client.waitUntil([&] { return client.activeWindow() == window.windowID; }));
@@ -117,10 +153,69 @@ public:
         }
     }
     void click(const ScreenPoint& point) override {
-        const auto screen = x11Platform->screens().screens().front().frame;
-        client.movePointer(static_cast<int>(point.x), static_cast<int>(screen.size.height - point.y));
-        client.pressButton(1);
-        client.releaseButton(1);
+        clickAt(static_cast<int>(point.x), screenHeight() - static_cast<int>(point.y));
+    }
+    void pressKey(const KeyPress& press) override {
+        std::vector<std::uint8_t> keys;
+        for (const auto& modifier : modifierKeys) {
+            if ((press.modifiers & modifier.flag) != 0) {
+                keys.push_back(modifier.key);
+            }
+        }
+        keys.push_back(e2e::evdevKeyCode(press.keyCode));
+        client.type(keys);
+    }
+    std::size_t keyPressesOf(const OtherWindow& window, std::uint16_t keyCode) override {
+        const auto keys = client.property(window.windowID, "_SAMPLE_KEYS");
+        return static_cast<std::size_t>(std::count(keys.begin(), keys.end(), e2e::evdevKeyCode(keyCode)));
+    }
+    bool claim(const KeyPress& press) override {
+        require(client.grabKey(e2e::evdevKeyCode(press.keyCode), modifierBits(press.modifiers)));
+        return true;
+    }
+    void giveBack(const KeyPress& press) override {
+        client.ungrabKey(e2e::evdevKeyCode(press.keyCode), modifierBits(press.modifiers));
+    }
+    bool changeKeyboard(bool hasKeyP) override {
+        // The key stays where it is, under a name that stands for no place.
+        require(e2e::run({"sh", "-c", "xkbcomp -w0 \"$DISPLAY\" - | sed \"s/<$1>/<$2>/\" | xkbcomp -w0 - \"$DISPLAY\"",
+                          "sh", hasKeyP ? "GONE" : "AD10", hasKeyP ? "AD10" : "GONE"},
+                         desktop.environment())
+                    .status == 0);
+        return true;
+    }
+    bool openStatusMenu(StatusItem& /*item*/) override {
+        if (!tray) {
+            tray = desktop.start({"trayer", "--edge", "bottom", "--align", "right", "--height", "24"});
+        }
+        // The tray puts the icon where it stays, then shows it.
+        std::optional<Rect> icon;
+        require(runUntil(
+            [&] {
+                const auto window = client.visibleWindowNamed("ContractItem");
+                icon = window ? client.place(*window) : std::nullopt;
+                return icon && icon->y > screenHeight() / 2;
+            },
+            bound));
+        clickAt(icon->x + icon->width / 2, icon->y + icon->height / 2);
+        require(runUntil([] { return openMenu() != nullptr; }, bound));
+        return true;
+    }
+    void chooseMenuItem(const std::string& title) override {
+        auto* const menu = openMenu();
+        for (auto* action : menu->actions()) {
+            if (action->text().replace("&&", "&").toStdString() == title) {
+                const auto middle = menu->mapToGlobal(menu->actionGeometry(action).center());
+                clickAt(middle.x(), middle.y());
+                require(runUntil([] { return openMenu() == nullptr; }, bound));
+                return;
+            }
+        }
+        require(false);
+    }
+    void dismissMenu() override {
+        clickAt(0, 0);
+        require(runUntil([] { return openMenu() == nullptr; }, bound));
     }
     bool changeScreens() override {
         for (const auto& arguments : std::vector<e2e::Command>{
@@ -135,6 +230,19 @@ public:
     }
 
 private:
+    static constexpr Seconds bound = e2e::stepBound;
+
+    [[nodiscard]] int screenHeight() {
+        return static_cast<int>(x11Platform->screens().screens().front().frame.size.height);
+    }
+    /// In pixels of the screen.
+    void clickAt(int x, int y) {
+        client.movePointer(x, y);
+        client.pressButton(1);
+        client.releaseButton(1);
+    }
+    /// Null for none.
+    static QMenu* openMenu() { return qobject_cast<QMenu*>(QApplication::activePopupWidget()); }
     /// A world that does not do what it is told cannot test anything.
     static void require(bool done) {
         if (!done) {
@@ -146,10 +254,8 @@ private:
     e2e::XClient client{desktop.displayName()};
     std::vector<std::unique_ptr<Program>> programs;
     std::uint32_t content = 100;
-    int argumentCount = 1;
-    char programName[8] = "quillon";
-    char* arguments[2] = {programName, nullptr};
-    std::unique_ptr<QCoreApplication> application;
+    std::unique_ptr<Program> tray;
+    std::unique_ptr<QApplication> application;
     std::unique_ptr<x11::X11Platform> x11Platform;
 };
 

@@ -51,6 +51,7 @@ Desktop::Desktop(const DesktopOptions& options) {
 }
 
 Desktop::~Desktop() {
+    accessibilityBus.reset();
     while (!programs.empty()) {
         programs.pop_back();
     }
@@ -120,6 +121,23 @@ void Desktop::startWindowManager(const DesktopOptions& options) {
                        client.waitUntil([&] { return client.managesNewWindows(); });
     if (!ready) {
         throw std::runtime_error("the window manager did not start: " + programs.back()->errors());
+    }
+}
+
+void Desktop::startAccessibilityBus() {
+    accessibilityBus.reset();
+    const auto sockets = root / "runtime" / "at-spi";
+    std::filesystem::remove_all(sockets);
+    for (const auto* variable : {"NO_AT_BRIDGE", "GTK_A11Y", "QT_ACCESSIBILITY"}) {
+        variables.erase(variable);
+    }
+    variables["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1";
+    accessibilityBus = start({"/usr/libexec/at-spi-bus-launcher", "--launch-immediately"});
+    const bool isListening = XClient(displayName()).waitUntil([&] {
+        return std::filesystem::exists(sockets) && !std::filesystem::is_empty(sockets);
+    });
+    if (!isListening) {
+        throw std::runtime_error("the accessibility bus did not start: " + accessibilityBus->errors());
     }
 }
 

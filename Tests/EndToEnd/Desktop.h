@@ -39,6 +39,9 @@ public:
 
     [[nodiscard]] std::unique_ptr<Program> start(const Command& command) const;
 
+    /// Starts the accessibility bus, or a new one in its place. Programs that are started from now on are on it.
+    void startAccessibilityBus();
+
     /// The X server ends, and everything on it with it.
     void stopServer();
 
@@ -52,6 +55,7 @@ private:
     Environment variables;
     /// In the order of their start; ended in the opposite order.
     std::vector<std::unique_ptr<Program>> programs;
+    std::unique_ptr<Program> accessibilityBus;
 };
 
 } // namespace quillon::e2e

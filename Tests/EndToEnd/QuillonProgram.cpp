@@ -22,9 +22,10 @@ std::string quillonPath() {
     return QUILLON_PROGRAM;
 }
 
-void QuillonProgram::start(const Command& launcher) {
+void QuillonProgram::start(const Command& launcher, const std::vector<std::string>& arguments) {
     auto command = launcher;
     command.push_back(quillonPath());
+    command.insert(command.end(), arguments.begin(), arguments.end());
     running = desktop.start(command);
     started.push_back(running->pid());
     const auto deadline = std::chrono::steady_clock::now() + stepBound;

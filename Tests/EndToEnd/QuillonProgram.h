@@ -12,7 +12,7 @@ public:
 
     /// Starts it and waits until it answers commands. Throws when it does not. `launcher` is a command that turns
     /// into the program that it is given.
-    void start(const Command& launcher = {});
+    void start(const Command& launcher = {}, const std::vector<std::string>& arguments = {});
     /// Asks it to end (SIGTERM) and waits; the exit status, or none when it does not end.
     std::optional<int> stop();
     /// Runs `quillon` with the arguments, to its end.

@@ -1,9 +1,14 @@
 // A program with windows whose picture is known: each shows a numbered content, and every number looks different
 // everywhere. It is told what to show by client messages of type _SAMPLE_SHOW (data: the number) and _SAMPLE_PLAY
 // (data: contents per second, 0 to stop; 1 to change only a region of 200x100). The number shown stands in the
-// property _SAMPLE_CONTENT of the window, set after the drawing.
+// property _SAMPLE_CONTENT of the window, set after the drawing. The X key codes that the window was given presses of
+// stand in its property _SAMPLE_KEYS, in their order.
 //
-// Arguments: --windows N  --place X,Y,WIDTH,HEIGHT  --title TEXT  --depth 32  --no-pid
+// With --input it writes down what the first window, and a part of it with a window of its own, get of the pointer
+// and the focus, one line an event: "window press 1 at 20,30 state 0x0".
+//
+// Arguments: --windows N  --place X,Y,WIDTH,HEIGHT  --title TEXT  --depth 32  --no-pid  --input FILE
+//            --part X,Y,WIDTH,HEIGHT
 
 #include <xcb/xcb.h>
 
@@ -14,6 +19,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <poll.h>
 #include <string>
 #include <sys/timerfd.h>
@@ -37,6 +43,8 @@ struct Options {
     std::string title = "Sample";
     bool translucent = false;
     bool tellsProcess = true;
+    std::string inputFile;
+    xcb_rectangle_t part{};
 };
 
 Options parse(int count, char** arguments) {
@@ -56,6 +64,13 @@ Options parse(int count, char** arguments) {
             }
         } else if (name == "--title") {
             options.title = value;
+        } else if (name == "--input") {
+            options.inputFile = value;
+        } else if (name == "--part") {
+            if (std::sscanf(value, "%hd,%hd,%hu,%hu", &options.part.x, &options.part.y, &options.part.width,
+                            &options.part.height) != 4) {
+                std::exit(2);
+            }
         } else if (name == "--depth") {
             options.translucent = std::strcmp(value, "32") == 0;
         } else {
@@ -89,8 +104,8 @@ public:
         }
         const xcb_colormap_t colormap = xcb_generate_id(connection);
         xcb_create_colormap(connection, XCB_COLORMAP_ALLOC_NONE, colormap, screen.root, visual);
-        const std::array<std::uint32_t, 4> values{0, 0, XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY,
-                                                  colormap};
+        const std::array<std::uint32_t, 4> values{
+            0, 0, XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_KEY_PRESS, colormap};
         xcb_create_window(connection, depth, window, screen.root, static_cast<std::int16_t>(options.x + 40 * index),
                           static_cast<std::int16_t>(options.y + 40 * index), static_cast<std::uint16_t>(width),
                           static_cast<std::uint16_t>(height), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, visual,
@@ -136,6 +151,10 @@ public:
     }
     void showNext(bool onlyRegion) { show((onlyRegion ? regionContent : content) + 1, onlyRegion); }
 
+    void keyPressed(std::uint32_t key) const {
+        xcb_change_property(connection, XCB_PROP_MODE_APPEND, window, atom("_SAMPLE_KEYS"), XCB_ATOM_CARDINAL, 32, 1,
+                            &key);
+    }
     void resized(int newWidth, int newHeight) {
         width = newWidth;
         height = newHeight;
@@ -215,6 +234,83 @@ private:
     std::uint32_t regionContent = 0;
 };
 
+constexpr std::uint32_t pointerEvents = XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE |
+                                        XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_ENTER_WINDOW |
+                                        XCB_EVENT_MASK_LEAVE_WINDOW;
+
+/// Writes down what the pointer and the focus do.
+class InputLog {
+public:
+    InputLog(xcb_connection_t* connection, xcb_window_t window, const Options& options)
+        : window(window), file(std::fopen(options.inputFile.c_str(), "w")) {
+        if (options.part.width > 0) {
+            part = xcb_generate_id(connection);
+            xcb_create_window(connection, XCB_COPY_FROM_PARENT, part, window, options.part.x, options.part.y,
+                              options.part.width, options.part.height, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                              XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &pointerEvents);
+            xcb_map_window(connection, part);
+        }
+    }
+
+    void write(const xcb_generic_event_t& event) const {
+        switch (event.response_type & 0x7f) {
+        case XCB_BUTTON_PRESS:
+            writeButton("press", event);
+            break;
+        case XCB_BUTTON_RELEASE:
+            writeButton("release", event);
+            break;
+        case XCB_MOTION_NOTIFY:
+            writePointer("move", event);
+            break;
+        case XCB_ENTER_NOTIFY:
+            writePointer("enter", event);
+            break;
+        case XCB_LEAVE_NOTIFY:
+            writePointer("leave", event);
+            break;
+        case XCB_FOCUS_IN:
+            writeFocus("focus in", event);
+            break;
+        case XCB_FOCUS_OUT:
+            writeFocus("focus out", event);
+            break;
+        default:
+            break;
+        }
+    }
+
+private:
+    void writeButton(const std::string& name, const xcb_generic_event_t& event) const {
+        writePointer(name + " " + std::to_string(event.pad0), event);
+    }
+    /// All of them begin alike.
+    void writePointer(const std::string& name, const xcb_generic_event_t& event) const {
+        const auto& pointer = reinterpret_cast<const xcb_button_press_event_t&>(event);
+        writeLine(pointer.event, name + " at " + std::to_string(pointer.event_x) + "," +
+                                     std::to_string(pointer.event_y) + stateText(pointer.state));
+    }
+    void writeFocus(const std::string& name, const xcb_generic_event_t& event) const {
+        writeLine(reinterpret_cast<const xcb_focus_in_event_t&>(event).event, name);
+    }
+    static std::string stateText(std::uint16_t state) {
+        std::array<char, 16> text{};
+        std::snprintf(text.data(), text.size(), " state 0x%x", state);
+        return text.data();
+    }
+    void writeLine(xcb_window_t receiver, const std::string& text) const {
+        if (receiver != window && receiver != part) {
+            return;
+        }
+        std::fprintf(file, "%s %s\n", receiver == window ? "window" : "part", text.c_str());
+        std::fflush(file);
+    }
+
+    xcb_window_t window;
+    xcb_window_t part = XCB_NONE;
+    std::FILE* file;
+};
+
 class SampleProgram {
 public:
     SampleProgram(xcb_connection_t* connection, const Options& options)
@@ -224,6 +320,9 @@ public:
         for (int index = 0; index < options.windows; ++index) {
             windows.emplace_back(connection, screen, options, index);
             windows.back().setProperties(options, index);
+        }
+        if (!options.inputFile.empty()) {
+            inputLog.emplace(connection, windows.front().id(), options);
         }
         showAtom = windows.front().atom("_SAMPLE_SHOW");
         playAtom = windows.front().atom("_SAMPLE_PLAY");
@@ -249,6 +348,9 @@ public:
 
 private:
     void handle(const xcb_generic_event_t& event) {
+        if (inputLog) {
+            inputLog->write(event);
+        }
         switch (event.response_type & 0x7f) {
         case XCB_EXPOSE:
             if (auto* window = find(reinterpret_cast<const xcb_expose_event_t&>(event).window)) {
@@ -259,6 +361,13 @@ private:
             const auto& configured = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
             if (auto* window = find(configured.window)) {
                 window->resized(configured.width, configured.height);
+            }
+            break;
+        }
+        case XCB_KEY_PRESS: {
+            const auto& press = reinterpret_cast<const xcb_key_press_event_t&>(event);
+            if (const auto* window = find(press.event)) {
+                window->keyPressed(press.detail);
             }
             break;
         }
@@ -310,6 +419,7 @@ private:
     xcb_connection_t* connection;
     int clock;
     std::vector<SampleWindow> windows;
+    std::optional<InputLog> inputLog;
     std::size_t playing = 0;
     bool onlyRegion = false;
     xcb_atom_t showAtom = 0;

@@ -164,6 +164,33 @@ std::vector<Window> XClient::children(Window window) const {
     return {first, first + xcb_query_tree_children_length(reply.get())};
 }
 
+std::string XClient::nameOf(Window window) const {
+    constexpr std::uint32_t longest = 64;
+    const auto cookie = xcb_get_property(connection, 0, window, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 0, longest);
+    const Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection, cookie, nullptr));
+    if (!reply) {
+        return {};
+    }
+    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
+            static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
+}
+
+std::optional<Window> XClient::visibleDescendantNamed(Window window, const std::string& name) const {
+    for (const auto child : children(window)) {
+        if (nameOf(child) == name && isViewable(child)) {
+            return child;
+        }
+        if (const auto found = visibleDescendantNamed(child, name)) {
+            return found;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<Window> XClient::visibleWindowNamed(const std::string& name) const {
+    return visibleDescendantNamed(root(), name);
+}
+
 std::vector<Window> XClient::visibleWindowsOf(pid_t process) const {
     const auto processes = processesOfClients();
     const auto isOwn = [&](Window window) {
@@ -364,13 +391,23 @@ std::optional<Picture> XClient::windowPicture(Window window) const {
 // Real input
 
 void XClient::fakeInput(std::uint8_t type, std::uint8_t detail, int x, int y) const {
+    fakeInputWithoutFlush(type, detail, x, y);
+    xcb_flush(connection);
+}
+
+void XClient::fakeInputWithoutFlush(std::uint8_t type, std::uint8_t detail, int x, int y) const {
     xcb_test_fake_input(connection, type, detail, XCB_CURRENT_TIME, root(), static_cast<std::int16_t>(x),
                         static_cast<std::int16_t>(y), 0);
-    xcb_flush(connection);
 }
 
 void XClient::movePointer(int x, int y) const {
     fakeInput(XCB_MOTION_NOTIFY, 0, x, y);
+}
+
+XClient::Place XClient::pointer() const {
+    const Reply<xcb_query_pointer_reply_t> reply(
+        xcb_query_pointer_reply(connection, xcb_query_pointer(connection, root()), nullptr));
+    return reply ? Place{reply->root_x, reply->root_y} : Place();
 }
 
 void XClient::pressButton(std::uint8_t button) const {
@@ -379,6 +416,62 @@ void XClient::pressButton(std::uint8_t button) const {
 
 void XClient::releaseButton(std::uint8_t button) const {
     fakeInput(XCB_BUTTON_RELEASE, button, 0, 0);
+}
+
+void XClient::pressKey(std::uint8_t key) const {
+    fakeInput(XCB_KEY_PRESS, key, 0, 0);
+}
+
+void XClient::releaseKey(std::uint8_t key) const {
+    fakeInput(XCB_KEY_RELEASE, key, 0, 0);
+}
+
+void XClient::type(const std::vector<std::uint8_t>& keys) const {
+    for (const auto key : keys) {
+        fakeInputWithoutFlush(XCB_KEY_PRESS, key, 0, 0);
+    }
+    for (auto key = keys.rbegin(); key != keys.rend(); ++key) {
+        fakeInputWithoutFlush(XCB_KEY_RELEASE, *key, 0, 0);
+    }
+    xcb_flush(connection);
+}
+
+std::optional<std::string> XClient::selectedText() const {
+    const Window requestor = xcb_generate_id(connection);
+    xcb_create_window(connection, XCB_COPY_FROM_PARENT, requestor, root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
+                      XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_convert_selection(connection, requestor, XCB_ATOM_PRIMARY, atom("UTF8_STRING"), XCB_ATOM_PRIMARY,
+                          XCB_CURRENT_TIME);
+    std::optional<std::string> text;
+    std::ignore = waitUntil(
+        [&] {
+            const Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+                connection,
+                xcb_get_property(connection, 0, requestor, XCB_ATOM_PRIMARY, XCB_GET_PROPERTY_TYPE_ANY, 0, 4096),
+                nullptr));
+            if (!reply || reply->type == XCB_ATOM_NONE) {
+                return false;
+            }
+            text.emplace(static_cast<const char*>(xcb_get_property_value(reply.get())),
+                         static_cast<std::size_t>(xcb_get_property_value_length(reply.get())));
+            return true;
+        },
+        Milliseconds(500));
+    xcb_destroy_window(connection, requestor);
+    xcb_flush(connection);
+    return text;
+}
+
+bool XClient::grabKey(std::uint8_t key, std::uint16_t modifiers) const {
+    const auto cookie =
+        xcb_grab_key_checked(connection, 0, root(), modifiers, key, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    const Reply<xcb_generic_error_t> error(xcb_request_check(connection, cookie));
+    return !error;
+}
+
+void XClient::ungrabKey(std::uint8_t key, std::uint16_t modifiers) const {
+    xcb_ungrab_key(connection, key, root(), modifiers);
+    xcb_flush(connection);
 }
 
 // Synthetic input

@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace quillon::e2e {
 
@@ -65,6 +66,8 @@ public:
     /// The windows of a process that are mapped and can show something, managed or not, outermost only, bottom to
     /// top.
     [[nodiscard]] std::vector<Window> visibleWindowsOf(pid_t process) const;
+    /// The outermost window of that name (WM_NAME) that can be seen, wherever it is; none when there is none.
+    [[nodiscard]] std::optional<Window> visibleWindowNamed(const std::string& name) const;
     /// The local process that made the window, as the server knows it.
     [[nodiscard]] std::optional<pid_t> ownerOf(Window window) const;
     /// Where it is on the root window, without borders and decorations; none when it is gone.
@@ -93,12 +96,33 @@ public:
 
     // Real input
     void movePointer(int x, int y) const;
+    /// Where the user's pointer is.
+    struct Place {
+        int x = 0;
+        int y = 0;
+        bool operator==(const Place&) const = default;
+    };
+    [[nodiscard]] Place pointer() const;
     void pressButton(std::uint8_t button) const;
     void releaseButton(std::uint8_t button) const;
+    void pressKey(std::uint8_t key) const;
+    void releaseKey(std::uint8_t key) const;
+    /// Presses the keys in turn and releases them in the opposite order. All at once, so that no key is held down for
+    /// so long, on a busy machine, that it repeats.
+    void type(const std::vector<std::uint8_t>& keys) const;
 
     // Synthetic input, which a window's program takes though the window is covered and not active
     void postClick(Window window, int x, int y) const;
     void postKey(Window window, std::uint8_t keyCode) const;
+
+    /// The text that is selected in some window (the PRIMARY selection), as a user would paste it; none when there is
+    /// no selection or its owner does not answer.
+    [[nodiscard]] std::optional<std::string> selectedText() const;
+
+    // The keyboard as other programs use it
+    /// Claims a key with exactly these modifier bits for this client; false when another one has it.
+    [[nodiscard]] bool grabKey(std::uint8_t key, std::uint16_t modifiers) const;
+    void ungrabKey(std::uint8_t key, std::uint16_t modifiers) const;
 
     /// Of all X clients of the process together.
     [[nodiscard]] ServerResources resourcesOf(pid_t process) const;
@@ -107,11 +131,14 @@ private:
     [[nodiscard]] std::map<std::uint32_t, pid_t> processesOfClients() const;
     [[nodiscard]] std::uint32_t clientBase(std::uint32_t resource) const;
     [[nodiscard]] std::vector<Window> children(Window window) const;
+    [[nodiscard]] std::string nameOf(Window window) const;
+    [[nodiscard]] std::optional<Window> visibleDescendantNamed(Window window, const std::string& name) const;
     [[nodiscard]] std::optional<std::size_t> stackingPosition(Window window) const;
     void sendMessageTo(Window destination, std::uint32_t mask, Window window, std::string_view type,
                        const std::vector<std::uint32_t>& data) const;
     void askWindowManager(Window window, std::string_view type, const std::vector<std::uint32_t>& data) const;
     void postInput(std::uint8_t type, std::uint8_t detail, Window window, int x, int y, std::uint16_t state) const;
+    void fakeInputWithoutFlush(std::uint8_t type, std::uint8_t detail, int x, int y) const;
     void fakeInput(std::uint8_t type, std::uint8_t detail, int x, int y) const;
     [[nodiscard]] Picture image(xcb_drawable_t drawable, const Rect& part) const;
     void dropEvents() const;

@@ -7,14 +7,6 @@
 
 namespace quillon::simulated {
 
-namespace {
-
-bool contains(const auto& rect, const auto& point) {
-    return point.x >= rect.minX() && point.x < rect.maxX() && point.y >= rect.minY() && point.y < rect.maxY();
-}
-
-} // namespace
-
 Desktop::Desktop() {
     desktopModel.applications.push_back({{ownPID(), "Quillon"}});
 }
@@ -26,6 +18,12 @@ Desktop::~Desktop() {
     if (!panelsPort.all().empty() || viewsPort.living() > 0) {
         misuse(fmt::format("{} panels and {} views or layers outlive the desktop", panelsPort.all().size(),
                            viewsPort.living()));
+    }
+    if (!statusBarPort.items().empty()) {
+        misuse(fmt::format("{} status items outlive the desktop", statusBarPort.items().size()));
+    }
+    if (!eventTapsPort.all().empty()) {
+        misuse(fmt::format("{} event taps outlive the desktop", eventTapsPort.all().size()));
     }
     if (fileSystemPort.openDescriptors() > 0) {
         misuse(fmt::format("{} files were not closed", fileSystemPort.openDescriptors()));
@@ -142,7 +140,7 @@ const OpenWindow* Desktop::windowAt(const ScreenPoint& point) const {
     const double primaryHeight = screens.empty() ? 0 : screens.front().frame.size.height;
     const DisplayPoint place{point.x, primaryHeight - point.y};
     for (const auto& window : desktopModel.windows) {
-        if (desktopModel.isOnScreen(window) && contains(window.bounds, place)) {
+        if (desktopModel.isOnScreen(window) && window.bounds.contains(place)) {
             return &window;
         }
     }
@@ -152,7 +150,7 @@ const OpenWindow* Desktop::windowAt(const ScreenPoint& point) const {
 SimulatedPanel* Desktop::panelAt(const ScreenPoint& point) const {
     const bool isCovered = windowAt(point) != nullptr;
     for (auto* panel : panelsPort.stack()) {
-        if (contains(panel->frame(), point) && !(isCovered && panel->level() < normalWindowLevel)) {
+        if (panel->frame().contains(point) && !(isCovered && panel->level() < normalWindowLevel)) {
             return panel;
         }
     }

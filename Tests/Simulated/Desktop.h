@@ -5,14 +5,19 @@
 #include "Simulated/Journal.h"
 #include "Simulated/SimulatedAccessibility.h"
 #include "Simulated/SimulatedApplication.h"
+#include "Simulated/SimulatedBundle.h"
 #include "Simulated/SimulatedClock.h"
+#include "Simulated/SimulatedEventTaps.h"
 #include "Simulated/SimulatedFileSystem.h"
+#include "Simulated/SimulatedImages.h"
 #include "Simulated/SimulatedNotificationCenter.h"
 #include "Simulated/SimulatedPanels.h"
 #include "Simulated/SimulatedProcess.h"
 #include "Simulated/SimulatedScheduler.h"
 #include "Simulated/SimulatedScreenCapture.h"
 #include "Simulated/SimulatedScreens.h"
+#include "Simulated/SimulatedStatusBar.h"
+#include "Simulated/SimulatedSyntheticEvents.h"
 #include "Simulated/SimulatedUserDefaults.h"
 #include "Simulated/SimulatedViews.h"
 #include "Simulated/SimulatedWindowServer.h"
@@ -42,15 +47,20 @@ public:
 
     SimulatedApplication* sharedApplication() override { return hasApplication ? &applicationObject : nullptr; }
     SimulatedAccessibility& accessibility() override { return accessibilityPort; }
+    SimulatedBundle& bundle() override { return bundlePort; }
     SimulatedClock& clock() override { return clockPort; }
     SimulatedEventAccess& eventAccess() override { return eventAccessPort; }
+    SimulatedEventTaps& eventTaps() override { return eventTapsPort; }
     SimulatedFileSystem& fileSystem() override { return fileSystemPort; }
+    SimulatedImages& images() override { return imagesPort; }
     SimulatedNotificationCenter& notificationCenter() override { return notificationCenterPort; }
     SimulatedPanels& panels() override { return panelsPort; }
     SimulatedProcessInfo& processInfo() override { return processInfoPort; }
     SimulatedScheduler& scheduler() override { return schedulerPort; }
     SimulatedScreenCapture& screenCapture() override { return screenCapturePort; }
     SimulatedScreens& screens() override { return screensPort; }
+    SimulatedStatusBar& statusBar() override { return statusBarPort; }
+    SimulatedSyntheticEvents& syntheticEvents() override { return syntheticEventsPort; }
     SimulatedUserDefaults& userDefaults() override { return userDefaultsPort; }
     SimulatedViews& views() override { return viewsPort; }
     SimulatedWindowServer& windowServer() override { return windowServerPort; }
@@ -92,6 +102,9 @@ public:
     void changeScreens(std::vector<Screen> screens);
     /// Presses and releases the left button over whatever is in front there.
     void click(const ScreenPoint& point);
+    /// Presses a key while nothing else than these modifiers is held; says whether an application saw it. What repeats
+    /// while a key is held is one press after the other.
+    TappedEvent pressKey(std::uint16_t keyCode, EventFlags flags) { return eventTapsPort.pressKey(keyCode, flags); }
 
 private:
     [[nodiscard]] const OpenWindow* windowAt(const ScreenPoint& point) const;
@@ -114,6 +127,11 @@ private:
     SimulatedViews viewsPort{schedulerPort, journalOfAll};
     SimulatedPanels panelsPort{schedulerPort, screensPort, viewsPort, journalOfAll};
     SimulatedScreenCapture screenCapturePort{desktopModel, screensPort, schedulerPort, journalOfAll};
+    SimulatedBundle bundlePort{schedulerPort};
+    SimulatedEventTaps eventTapsPort{accessibilityPort, schedulerPort, journalOfAll};
+    SimulatedImages imagesPort{schedulerPort, journalOfAll};
+    SimulatedSyntheticEvents syntheticEventsPort{schedulerPort, journalOfAll};
+    SimulatedStatusBar statusBarPort{schedulerPort, imagesPort, journalOfAll};
     bool hasApplication = true;
     ProcessID nextPID = 1001;
     WindowID nextWindowID = 101;

@@ -66,4 +66,12 @@ void DesktopModel::bringToFront(WindowID windowID) {
     std::rotate(windows.begin(), found, found + 1);
 }
 
+void DesktopModel::raise(WindowID windowID) {
+    const auto owner = window(windowID).ownerPID;
+    const auto front = std::find_if(windows.begin(), windows.end(),
+                                    [&](const OpenWindow& window) { return window.ownerPID == owner; });
+    const auto found = std::find_if(front, windows.end(), isWindow(windowID));
+    std::rotate(front, found, found + 1);
+}
+
 } // namespace quillon::simulated

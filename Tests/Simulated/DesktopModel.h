@@ -46,6 +46,8 @@ public:
     /// The application's frontmost window of layer 0 on the screen.
     [[nodiscard]] const OpenWindow* focusedWindow(ProcessID pid) const;
     void bringToFront(WindowID windowID);
+    /// Above its application's other windows, but not above those of others that cover all of them.
+    void raise(WindowID windowID);
 
     std::vector<OpenApplication> applications;
     /// Front to back.

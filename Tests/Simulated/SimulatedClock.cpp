@@ -70,7 +70,7 @@ private:
 } // namespace
 
 WallTime SimulatedClock::now() const {
-    return start + scheduler.now();
+    return start + scheduler.now() - setBackBy;
 }
 
 std::unique_ptr<DateFormatter> SimulatedClock::makeDateFormatter(const std::string& dateFormat) const {

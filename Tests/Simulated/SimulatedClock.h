@@ -13,8 +13,12 @@ public:
     [[nodiscard]] WallTime now() const override;
     [[nodiscard]] std::unique_ptr<DateFormatter> makeDateFormatter(const std::string& dateFormat) const override;
 
+    /// The user sets the clock back; timers do not notice.
+    void setBack(std::chrono::hours by) { setBackBy += by; }
+
 private:
     const SimulatedScheduler& scheduler;
+    std::chrono::hours setBackBy{0};
 };
 
 } // namespace quillon::simulated

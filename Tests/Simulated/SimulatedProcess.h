@@ -12,6 +12,7 @@ public:
     static constexpr ProcessID ownPID = 500;
 
     [[nodiscard]] ProcessID processIdentifier() const override { return ownPID; }
+    [[nodiscard]] std::string processName() const override { return "quillon"; }
     [[nodiscard]] OperatingSystemVersion operatingSystemVersion() const override { return version; }
     [[nodiscard]] std::optional<std::string> bundleIdentifier() const override { return bundle; }
 

@@ -86,6 +86,14 @@ RegistrationToken SimulatedScheduler::scheduleRepeatingTimer(Seconds interval, T
                                         addTimer({time + length, length, std::string(mainQueue), std::move(task)}));
 }
 
+void SimulatedScheduler::sleep(Seconds duration) {
+    if (current == mainQueue) {
+        misuse("Scheduler::sleep on the main thread");
+    }
+    journal.record("scheduler.sleep {}", duration.count());
+    block(duration);
+}
+
 std::shared_ptr<SerialQueue> SimulatedScheduler::makeSerialQueue(const std::string& label) {
     if (label == mainQueue) {
         misuse("Scheduler::makeSerialQueue with the main queue's label");
@@ -95,14 +103,7 @@ std::shared_ptr<SerialQueue> SimulatedScheduler::makeSerialQueue(const std::stri
 
 void SimulatedScheduler::advance(Seconds duration) {
     enterLoop("advance");
-    const auto end = time + nanoseconds(duration, "advance");
-    runWaitingTasks();
-    for (auto timer = nextTimer(); timer != timers->end() && timer->second.due <= end; timer = nextTimer()) {
-        time = timer->second.due;
-        fire(timer);
-        runWaitingTasks();
-    }
-    time = end;
+    passTimeUntil(time + nanoseconds(duration, "advance"));
     isInLoop = false;
 }
 
@@ -141,6 +142,18 @@ void SimulatedScheduler::submitAfter(Seconds delay, std::string queue, Task task
     addTimer({due, std::chrono::nanoseconds(0), std::move(queue), std::move(task)});
 }
 
+void SimulatedScheduler::block(Seconds duration) {
+    const auto end = time + nanoseconds(duration, "waiting");
+    if (!blocked.empty()) {
+        misuse(fmt::format("the queue {} has to wait while the queue {} waits", current, blocked));
+    }
+    blocked = current;
+    const bool wasInLoop = std::exchange(isInLoop, true);
+    passTimeUntil(end);
+    isInLoop = wasInLoop;
+    current = std::exchange(blocked, {});
+}
+
 void SimulatedScheduler::requireMain(std::string_view operation) const {
     if (current != mainQueue) {
         misuse(fmt::format("{} on the queue {}: main thread only", operation, current));
@@ -167,27 +180,50 @@ void SimulatedScheduler::run(const std::string& queue, const Task& task) {
     current = mainQueue;
 }
 
+void SimulatedScheduler::passTimeUntil(std::chrono::nanoseconds end) {
+    runWaitingTasks();
+    for (auto timer = nextTimer(); timer != timers->end() && timer->second.due <= end; timer = nextTimer()) {
+        time = std::max(time, timer->second.due); // its queue may have been blocked
+        fire(timer);
+        runWaitingTasks();
+    }
+    time = std::max(time, end); // a task may have slept beyond the end
+}
+
 void SimulatedScheduler::runWaitingTasks() {
-    for (int count = 0; !waiting.empty(); ++count) {
+    auto next = nextTask();
+    for (int count = 0; next != waiting.end(); ++count) {
         if (count == mostTasksAtOnce) {
-            misuse(fmt::format("the queue {} never becomes idle", waiting.front().queue));
+            misuse(fmt::format("the queue {} never becomes idle", next->queue));
         }
-        const auto next = std::move(waiting.front());
-        waiting.pop_front();
-        run(next.queue, next.task);
+        const auto task = std::move(*next);
+        waiting.erase(next);
+        run(task.queue, task.task);
+        next = nextTask();
     }
 }
 
+std::deque<SimulatedScheduler::WaitingTask>::iterator SimulatedScheduler::nextTask() {
+    return std::find_if(waiting.begin(), waiting.end(), [&](const auto& entry) { return entry.queue != blocked; });
+}
+
 SimulatedScheduler::Timers::iterator SimulatedScheduler::nextTimer() {
-    return std::min_element(timers->begin(), timers->end(),
-                            [](const auto& a, const auto& b) { return a.second.due < b.second.due; });
+    auto next = timers->end();
+    for (auto timer = timers->begin(); timer != timers->end(); ++timer) {
+        if (timer->second.queue != blocked && (next == timers->end() || timer->second.due < next->second.due)) {
+            next = timer;
+        }
+    }
+    return next;
 }
 
 void SimulatedScheduler::fire(Timers::iterator timer) {
     const auto queue = timer->second.queue;
     const auto task = timer->second.task;
     if (timer->second.interval.count() > 0) {
-        timer->second.due += timer->second.interval;
+        do {
+            timer->second.due += timer->second.interval;
+        } while (timer->second.due <= time); // ticks that were missed
     } else {
         timers->erase(timer);
     }

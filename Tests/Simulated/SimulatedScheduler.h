@@ -25,9 +25,12 @@ public:
     void mainAsync(Task task) override;
     void mainAfter(Seconds delay, Task task) override;
     [[nodiscard]] RegistrationToken scheduleRepeatingTimer(Seconds interval, Task task) override;
+    /// Runs everything else that falls into that time, so the time has passed when the call returns. What waits on
+    /// the sleeping queue stays there meanwhile. One queue at a time.
+    void sleep(Seconds duration) override;
     [[nodiscard]] std::shared_ptr<SerialQueue> makeSerialQueue(const std::string& label) override;
 
-    /// Lets the time pass: runs what waits, and every timer at its moment.
+    /// Lets the time pass: runs what waits, and every timer at its moment. A task that sleeps may make it longer.
     void advance(Seconds duration);
     /// Runs what waits, and what that submits, until nothing is left that needs no time to pass.
     void runUntilIdle();
@@ -47,6 +50,8 @@ public:
     /// The same once the delay has passed.
     void submitAfter(Seconds delay, std::string queue, Task task);
     [[nodiscard]] const std::string& currentQueue() const { return current; }
+    /// What runs now waits that long for another process, on whatever thread it is.
+    void block(Seconds duration);
     /// Stops the test unless the main thread is running.
     void requireMain(std::string_view operation) const;
 
@@ -72,7 +77,11 @@ private:
 
     std::uint64_t addTimer(Timer timer);
     void run(const std::string& queue, const Task& task);
+    void passTimeUntil(std::chrono::nanoseconds end);
     void runWaitingTasks();
+    /// The first task that does not wait for a blocked queue.
+    [[nodiscard]] std::deque<WaitingTask>::iterator nextTask();
+    /// Likewise.
     [[nodiscard]] Timers::iterator nextTimer();
     void fire(Timers::iterator timer);
     /// Guards the outermost loop against being entered from a task.
@@ -81,6 +90,8 @@ private:
     Journal& journal;
     std::chrono::nanoseconds time{0};
     std::string current;
+    /// The queue that sleeps or waits for another process; empty when there is none.
+    std::string blocked;
     bool isInLoop = false;
     std::deque<WaitingTask> waiting;
     /// Shared with the tokens.

@@ -2,7 +2,7 @@
 
 namespace quillon::simulated {
 
-SimulatedWorkspace::SimulatedWorkspace(const DesktopModel& model, SimulatedScheduler& scheduler, Journal& journal)
+SimulatedWorkspace::SimulatedWorkspace(DesktopModel& model, SimulatedScheduler& scheduler, Journal& journal)
     : model(model), scheduler(scheduler), journal(journal), activations([this] {
           this->scheduler.requireMain("ending an observation of activations");
           this->journal.record("workspace.endObservingActivations");
@@ -13,14 +13,28 @@ SimulatedWorkspace::SimulatedWorkspace(const DesktopModel& model, SimulatedSched
       }) {}
 
 std::optional<RunningApplication> SimulatedWorkspace::frontmostApplication() const {
-    scheduler.requireMain("Workspace::frontmostApplication");
-    return model.frontmost ? runningApplication(*model.frontmost) : std::nullopt;
+    return model.frontmost ? identityOf(*model.frontmost) : std::nullopt;
 }
 
 std::optional<RunningApplication> SimulatedWorkspace::runningApplication(ProcessID pid) const {
     scheduler.requireMain("Workspace::runningApplication");
-    const auto* found = model.findApplication(pid);
-    return found == nullptr ? std::nullopt : std::optional(found->identity);
+    return identityOf(pid);
+}
+
+void SimulatedWorkspace::activateApplication(ProcessID pid) {
+    scheduler.requireMain("Workspace::activateApplication");
+    journal.record("workspace.activateApplication {}", pid);
+    const auto identity = identityOf(pid);
+    if (!identity) {
+        return;
+    }
+    if (const auto* window = model.focusedWindow(pid)) {
+        model.bringToFront(window->windowID);
+    }
+    if (model.frontmost != pid) {
+        model.frontmost = pid;
+        announceActivation(identity);
+    }
 }
 
 RegistrationToken SimulatedWorkspace::observeDidActivateApplication(ApplicationCallback callback) {
@@ -33,6 +47,11 @@ RegistrationToken SimulatedWorkspace::observeDidTerminateApplication(Application
     scheduler.requireMain("Workspace::observeDidTerminateApplication");
     journal.record("workspace.observeDidTerminateApplication");
     return terminations.add(std::move(callback));
+}
+
+std::optional<RunningApplication> SimulatedWorkspace::identityOf(ProcessID pid) const {
+    const auto* found = model.findApplication(pid);
+    return found == nullptr ? std::nullopt : std::optional(found->identity);
 }
 
 void SimulatedWorkspace::announceActivation(std::optional<RunningApplication> application) {

@@ -10,10 +10,11 @@ namespace quillon::simulated {
 /// The model's applications. Announcements arrive as tasks of the main queue.
 class SimulatedWorkspace final : public Workspace {
 public:
-    SimulatedWorkspace(const DesktopModel& model, SimulatedScheduler& scheduler, Journal& journal);
+    SimulatedWorkspace(DesktopModel& model, SimulatedScheduler& scheduler, Journal& journal);
 
     [[nodiscard]] std::optional<RunningApplication> frontmostApplication() const override;
     [[nodiscard]] std::optional<RunningApplication> runningApplication(ProcessID pid) const override;
+    void activateApplication(ProcessID pid) override;
     [[nodiscard]] RegistrationToken observeDidActivateApplication(ApplicationCallback callback) override;
     [[nodiscard]] RegistrationToken observeDidTerminateApplication(ApplicationCallback callback) override;
 
@@ -26,7 +27,9 @@ public:
 private:
     using ApplicationObservers = Observers<const std::optional<RunningApplication>&>;
 
-    const DesktopModel& model;
+    [[nodiscard]] std::optional<RunningApplication> identityOf(ProcessID pid) const;
+
+    DesktopModel& model;
     SimulatedScheduler& scheduler;
     Journal& journal;
     ApplicationObservers activations;

@@ -23,7 +23,11 @@ protected:
     ScriptReply script(const std::string& verb, std::vector<std::string> arguments = {}) {
         return delegate->performScriptCommand({verb, std::move(arguments)});
     }
-    void toggle() { script("toggle"); }
+    /// Presses the built-in shortcut, Control-Command-P.
+    void toggle() {
+        EXPECT_EQ(desktop.pressKey(35, 0x140000), TappedEvent::swallowed);
+        desktop.runUntilIdle();
+    }
     std::optional<WindowID> remembered() {
         const auto& window = delegate->rememberedWindow();
         return window ? std::optional(window->windowID) : std::nullopt;
@@ -141,19 +145,30 @@ TEST_F(AppDelegateTest, StartUpKeepsItsOrder) {
     desktop.journal().clear();
     delegate->applicationDidFinishLaunching();
     const std::string logged = "queue.async local.quillon.floating.log";
-    EXPECT_EQ(desktop.journal().take({"application.", "accessibility.", "userDefaults.set " + promptFlag, logged,
-                                      "notificationCenter.addObserver", "workspace."}),
-              (Lines{
-                  "application.setActivationPolicy accessory",
-                  logged,
-                  "userDefaults.set " + promptFlag + "=true",
-                  "accessibility.promptForTrust",
-                  logged,
-                  "notificationCenter.addObserver kit.pellam.PellamKit.StatusItemVisibilityDidChange",
-                  "workspace.observeDidActivateApplication",
-                  "notificationCenter.addObserver NSApplicationDidChangeScreenParametersNotification",
-                  logged,
-              }));
+    EXPECT_EQ(
+        desktop.journal().take({"application.", "accessibility.", "userDefaults.set " + promptFlag, logged,
+                                "notificationCenter.addObserver", "workspace.",
+                                "userDefaults.set PellamRegisteredHotkeys", "userDefaults.set didMigratePillColorV2",
+                                "statusBar.", "eventTap", "scheduler.scheduleRepeatingTimer"}),
+        (Lines{
+            "application.setMainMenu",
+            "application.setActivationPolicy accessory",
+            logged,
+            "userDefaults.set " + promptFlag + "=true",
+            "accessibility.promptForTrust",
+            logged,
+            "userDefaults.set PellamRegisteredHotkeys=<104 bytes>",
+            "userDefaults.set didMigratePillColorV2=true",
+            "statusBar.makeStatusItem",
+            "notificationCenter.addObserver kit.pellam.PellamKit.StatusItemVisibilityDidChange",
+            "workspace.observeDidActivateApplication",
+            "eventTaps.create location=2 placement=1 options=0 mask=0x400",
+            logged,
+            logged,
+            "scheduler.scheduleRepeatingTimer 2",
+            "notificationCenter.addObserver NSApplicationDidChangeScreenParametersNotification",
+            logged,
+        }));
 }
 
 TEST_F(AppDelegateTest, StartUpLogsTrustAndEventAccess) {
@@ -322,6 +337,24 @@ TEST_F(AppDelegateTest, ShuttingDownTwiceOrWithoutALaunchIsHarmless) {
     script("unpin", {"all"});
     delegate->applicationWillTerminate();
     delegate->applicationWillTerminate();
+    EXPECT_EQ(script("list").text, "");
+}
+
+TEST_F(AppDelegateTest, ScriptsSeeTheShortcutAndOpenTheMenu) {
+    desktop.accessibility().setTrusted(false);
+    launch();
+    const auto status = script("status").text;
+    EXPECT_EQ(status.substr(0, status.find('\n')), "Scorciatoia: ⌃⌘P, in attesa del permesso di Accessibilità");
+    EXPECT_EQ(script("menu").exitStatus, 0);
+    EXPECT_TRUE(desktop.statusBar().isMenuOpen());
+    EXPECT_EQ(script("menu").exitStatus, 1) << "a menu is open already";
+}
+
+TEST_F(AppDelegateTest, ScriptsToggleWhatTheShortcutDoes) {
+    launch();
+    activate(notes);
+    EXPECT_EQ(script("toggle").text, "Fissata: Note — Spesa (finestra " + std::to_string(shopping) + ")");
+    toggle();
     EXPECT_EQ(script("list").text, "");
 }
 

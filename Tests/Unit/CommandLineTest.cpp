@@ -21,6 +21,25 @@ TEST(CommandLineTest, WithoutArgumentsTheApplicationRuns) {
     parsed<CommandLine::Run>({});
 }
 
+TEST(CommandLineTest, TheInputRoutingIsChosenAtTheStart) {
+    EXPECT_EQ(parsed<CommandLine::Run>({}).inputRouting, InputRouting::forward);
+    EXPECT_EQ(parsed<CommandLine::Run>({"--input-routing=forward"}).inputRouting, InputRouting::forward);
+    EXPECT_EQ(parsed<CommandLine::Run>({"--input-routing=scroll"}).inputRouting, InputRouting::scroll);
+}
+
+TEST(CommandLineTest, AnInputRoutingThatDoesNotExistIsAUsageError) {
+    for (const auto* argument : {"--input-routing", "--input-routing=", "--input-routing=Scroll", "--input-routing=27",
+                                 "--input-routing=scroll "}) {
+        EXPECT_EQ(parsed<CommandLine::UsageError>({argument}).text,
+                  "«--input-routing» vuole =forward o =scroll: \"quillon --help\" mostra l'uso")
+            << argument;
+    }
+    parsed<CommandLine::UsageError>({"--input-routing", "scroll"});
+    parsed<CommandLine::UsageError>({"--input-routing=scroll", "pin"});
+    EXPECT_EQ(parsed<CommandLine::UsageError>({"--input-routings=scroll"}).text,
+              "Opzione sconosciuta «--input-routings=scroll»: \"quillon --help\" mostra l'uso");
+}
+
 TEST(CommandLineTest, Options) {
     parsed<CommandLine::ShowHelp>({"--help"});
     parsed<CommandLine::ShowHelp>({"-h"});
@@ -36,7 +55,7 @@ TEST(CommandLineTest, AnOptionStandsAlone) {
 }
 
 TEST(CommandLineTest, ScriptCommandsKeepTheirArguments) {
-    for (const auto* verb : {"pin", "unpin", "toggle", "list"}) {
+    for (const auto* verb : {"pin", "unpin", "toggle", "list", "menu", "status"}) {
         const auto command = parsed<CommandLine::Script>({verb, "front", "altro"}).command;
         EXPECT_EQ(command.verb, verb);
         EXPECT_EQ(command.arguments, (Arguments{"front", "altro"}));
@@ -77,7 +96,8 @@ TEST(CommandLineTest, AnythingElseIsAUsageErrorThatNamesIt) {
 }
 
 TEST(CommandLineTest, TheHelpNamesEveryCommandAndOption) {
-    for (const auto* word : {"pin ", "unpin ", "toggle ", "list ", "defaults read", "defaults write", "defaults delete",
+    for (const auto* word : {"pin ", "unpin ", "toggle ", "list ", "menu ", "status ", "defaults read",
+                             "defaults write", "defaults delete", "--input-routing=forward", "--input-routing=scroll",
                              "--list-windows", "--help", "--version"}) {
         EXPECT_NE(CommandLine::helpText().find(word), std::string_view::npos) << word;
     }

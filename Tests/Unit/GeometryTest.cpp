@@ -24,6 +24,25 @@ TEST(GeometryTest, RectanglesIntersectWhenTheyShareAnArea) {
     EXPECT_FALSE(rect.intersects({{50, 50}, {0, 10}})) << "an empty one has none";
 }
 
+TEST(GeometryTest, ARectangleContainsItsLowerEdgesOnly) {
+    const ScreenRect rect{{10, 20}, {300, 400}};
+    EXPECT_TRUE(rect.contains({10, 20}));
+    EXPECT_TRUE(rect.contains({309.5, 419.5}));
+    EXPECT_FALSE(rect.contains({310, 20}));
+    EXPECT_FALSE(rect.contains({10, 420}));
+    EXPECT_FALSE(rect.contains({9.5, 20}));
+    EXPECT_FALSE(rect.contains({10, 19.5}));
+}
+
+TEST(GeometryTest, RectanglesAreNearWhenEverythingDiffersByLessThanTheTolerance) {
+    const ScreenRect rect{{10, 20}, {300, 400}};
+    EXPECT_TRUE(rect.isNear({{11.5, 18.5}, {301.5, 398.5}}, 2));
+    EXPECT_FALSE(rect.isNear({{12, 20}, {300, 400}}, 2));
+    EXPECT_FALSE(rect.isNear({{10, 18}, {300, 400}}, 2));
+    EXPECT_FALSE(rect.isNear({{10, 20}, {302, 400}}, 2));
+    EXPECT_FALSE(rect.isNear({{10, 20}, {300, 398}}, 2));
+}
+
 TEST(GeometryTest, AMissingNumberOfABoundsEntryCountsAsZero) {
     EXPECT_EQ(WindowBoundsEntry().rect(), DisplayRect());
     EXPECT_EQ((WindowBoundsEntry{1, 2, 3, 4}.rect()), (DisplayRect{{1, 2}, {3, 4}}));

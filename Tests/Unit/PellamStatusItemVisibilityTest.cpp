@@ -14,6 +14,23 @@ protected:
     Lines changes() { return desktop.journal().take({"userDefaults.", "notificationCenter.post"}); }
 };
 
+using PellamStatusItemVisibilityEdgeCases = PellamStatusItemVisibilityTest;
+
+TEST_F(PellamStatusItemVisibilityEdgeCases, WhatIsNoChangeIsNeitherStoredNorPosted) {
+    PellamStatusItemVisibility::setVisible(true);
+    EXPECT_EQ(changes(), Lines{});
+    PellamStatusItemVisibility::setVisible(false);
+    changes();
+    PellamStatusItemVisibility::setVisible(false);
+    EXPECT_EQ(changes(), Lines{});
+}
+
+TEST_F(PellamStatusItemVisibilityEdgeCases, ReopeningWhileTheItemIsShownChangesAndPostsNothing) {
+    PellamStatusItemVisibility::handleReopen();
+    EXPECT_EQ(changes(), Lines{});
+    EXPECT_TRUE(PellamStatusItemVisibility::isVisible());
+}
+
 TEST_F(PellamStatusItemVisibilityTest, AFreshInstallationShowsTheItem) {
     EXPECT_TRUE(PellamStatusItemVisibility::isVisible());
 }
@@ -29,15 +46,6 @@ TEST_F(PellamStatusItemVisibilityTest, ShowingAgainStoresAndAnnouncesIt) {
     PellamStatusItemVisibility::setVisible(true);
     EXPECT_EQ(changes(), (Lines{"userDefaults.set " + hiddenKey + "=false", posted}));
     EXPECT_TRUE(PellamStatusItemVisibility::isVisible());
-}
-
-TEST_F(PellamStatusItemVisibilityTest, WhatIsNoChangeIsNeitherStoredNorPosted) {
-    PellamStatusItemVisibility::setVisible(true);
-    EXPECT_EQ(changes(), Lines{});
-    PellamStatusItemVisibility::setVisible(false);
-    changes();
-    PellamStatusItemVisibility::setVisible(false);
-    EXPECT_EQ(changes(), Lines{});
 }
 
 TEST_F(PellamStatusItemVisibilityTest, TheChangeIsStoredBeforeItIsAnnounced) {

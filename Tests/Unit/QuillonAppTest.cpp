@@ -22,8 +22,8 @@ TEST_F(QuillonAppTest, TheDelegateIsSetBeforeTheLoopRunsAndLivesAsLong) {
     EXPECT_EQ(runQuillonApp(), 0);
     EXPECT_EQ(application.delegate(), nullptr);
     EXPECT_EQ(desktop.journal().take({"application."}),
-              (Lines{"application.setDelegate", "application.run", "application.setActivationPolicy accessory",
-                     "application.terminate"}));
+              (Lines{"application.setDelegate", "application.run", "application.setMainMenu",
+                     "application.setActivationPolicy accessory", "application.terminate"}));
 }
 
 TEST_F(QuillonAppTest, AWholeRunFromPinToQuit) {

@@ -1,6 +1,7 @@
 #include "ScriptCommands.h"
 
 #include "ExitStatus.h"
+#include "PellamKit/PellamStatusItemVisibility.h"
 #include "PinnedWindowTracker.h"
 #include "UnitTest.h"
 #include "WindowDetector.h"
@@ -14,7 +15,7 @@ constexpr DisplayRect here{{100, 50}, {800, 600}};
 class ScriptCommandsTest : public UnitTest {
 protected:
     ScriptReply perform(const std::string& verb, std::vector<std::string> arguments = {}) {
-        auto reply = ScriptCommands::perform({verb, std::move(arguments)}, tracker, toggled);
+        auto reply = ScriptCommands::perform({verb, std::move(arguments)}, program);
         desktop.runUntilIdle();
         return reply;
     }
@@ -24,7 +25,11 @@ protected:
     }
 
     PinnedWindowTracker tracker;
-    std::function<void()> toggled = [] {};
+    ScriptCommands::Program program{.tracker = tracker,
+                                    .togglePinFrontmostWindow = [] {},
+                                    .openMenuAtPointer = [] { return true; },
+                                    .shortcut = "⌃⌘P",
+                                    .shortcutState = ShortcutState::active};
     ProcessID notes = desktop.launch("Note");
     ProcessID mail = desktop.launch("Mail");
     WindowID shopping = desktop.openWindow(notes, "Spesa", here); // 101
@@ -106,11 +111,11 @@ TEST_F(ScriptCommandsTest, UnpinningAllTellsHowMany) {
 
 TEST_F(ScriptCommandsTest, TogglingTellsWhatChanged) {
     perform("pin", {"102"});
-    toggled = [this] { tracker.pin(WindowDetector::foreignWindow(shopping).value()); };
+    program.togglePinFrontmostWindow = [this] { tracker.pin(WindowDetector::foreignWindow(shopping).value()); };
     expect(perform("toggle"), ExitStatus::success, "Fissata: Note — Spesa (finestra 101)");
-    toggled = [this] { tracker.unpin(shopping); };
+    program.togglePinFrontmostWindow = [this] { tracker.unpin(shopping); };
     expect(perform("toggle"), ExitStatus::success, "Sbloccata: Note — Spesa (finestra 101)");
-    toggled = [] {};
+    program.togglePinFrontmostWindow = [] {};
     expect(perform("toggle"), ExitStatus::failure,
            "Nessuna finestra da fissare: porta in primo piano la finestra di un'altra applicazione");
 }
@@ -122,6 +127,50 @@ TEST_F(ScriptCommandsTest, TheListIsOrderedByNumber) {
     expect(perform("list"), ExitStatus::success, "101\tNote — Spesa\n102\tMail");
 }
 
+TEST_F(ScriptCommandsTest, TheMenuOpensOrTheReplySaysThatItCannot) {
+    int opened = 0;
+    program.openMenuAtPointer = [&] { return ++opened == 1; };
+    expect(perform("menu"), ExitStatus::success, "");
+    EXPECT_EQ(opened, 1);
+    expect(perform("menu"), ExitStatus::failure, "Il menu non si può aprire in questo momento: riprova");
+}
+
+TEST_F(ScriptCommandsTest, TheStatusTellsOfTheShortcutTheIconAndThePinnedWindows) {
+    expect(perform("status"), ExitStatus::success,
+           "Scorciatoia: ⌃⌘P, attiva\n"
+           "Icona: visibile\n"
+           "Barra di stato: presente\n"
+           "Finestre fissate: 0");
+    perform("pin", {"101"});
+    perform("pin", {"102"});
+    PellamStatusItemVisibility::setVisible(false);
+    desktop.statusBar().setPresent(false);
+    expect(perform("status"), ExitStatus::success,
+           "Scorciatoia: ⌃⌘P, attiva\n"
+           "Icona: nascosta (\"quillon\" la mostra)\n"
+           "Barra di stato: assente (\"quillon menu\" apre il menu)\n"
+           "Finestre fissate: 2");
+}
+
+TEST_F(ScriptCommandsTest, TheStatusTellsWhatTheShortcutLacks) {
+    struct Case {
+        ShortcutState state;
+        std::string line;
+    };
+    for (const auto& [state, line] : {
+             Case{ShortcutState::notSet, "Scorciatoia: non impostata"},
+             Case{ShortcutState::waitingForPermission, "Scorciatoia: ⌃⌘P, in attesa del permesso di Accessibilità"},
+             Case{ShortcutState::heldByAnotherProgram, "Scorciatoia: ⌃⌘P, usata da un altro programma (scegline "
+                                                       "un'altra nelle impostazioni o liberala in quel programma)"},
+             Case{ShortcutState::missingOnKeyboard,
+                  "Scorciatoia: ⌃⌘P, che su questa tastiera manca (scegline un'altra nelle impostazioni)"},
+         }) {
+        program.shortcutState = state;
+        const auto text = perform("status").text;
+        EXPECT_EQ(text.substr(0, text.find('\n')), line);
+    }
+}
+
 TEST_F(ScriptCommandsTest, TooManyArgumentsAreAUsageError) {
     expect(perform("pin", {"1", "2"}), ExitStatus::usage,
            "Troppi argomenti per «pin»: \"quillon --help\" mostra l'uso");
@@ -130,6 +179,9 @@ TEST_F(ScriptCommandsTest, TooManyArgumentsAreAUsageError) {
     expect(perform("toggle", {"1"}), ExitStatus::usage,
            "Troppi argomenti per «toggle»: \"quillon --help\" mostra l'uso");
     expect(perform("list", {"1"}), ExitStatus::usage, "Troppi argomenti per «list»: \"quillon --help\" mostra l'uso");
+    expect(perform("menu", {"1"}), ExitStatus::usage, "Troppi argomenti per «menu»: \"quillon --help\" mostra l'uso");
+    expect(perform("status", {"1"}), ExitStatus::usage,
+           "Troppi argomenti per «status»: \"quillon --help\" mostra l'uso");
 }
 
 TEST_F(ScriptCommandsTest, AnUnknownVerbIsAUsageError) {

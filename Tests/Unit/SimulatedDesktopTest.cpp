@@ -93,6 +93,45 @@ TEST_F(SimulatedDesktopTest, RunningUntilAConditionStopsAtItOrAtTheBound) {
     EXPECT_FALSE(desktop.runUntil([] { return false; }, Seconds(1)));
 }
 
+TEST_F(SimulatedDesktopTest, ASleepingQueueWaitsWhileEverythingElseGoesOn) {
+    std::vector<std::string> order;
+    const auto note = [&](const std::string& what) {
+        order.push_back(fmt::format("{} {:.1f} {}", what, Seconds(desktop.scheduler().now()).count(),
+                                    desktop.scheduler().currentQueue()));
+    };
+    const auto worker = desktop.scheduler().makeSerialQueue("worker");
+    const auto other = desktop.scheduler().makeSerialQueue("other");
+    const auto timer = desktop.scheduler().scheduleRepeatingTimer(Seconds(0.1), [&] { note("tick"); });
+    worker->async([&] {
+        note("before");
+        worker->async([&] { note("later"); });
+        other->async([&] { note("meanwhile"); });
+        desktop.scheduler().sleep(Seconds(0.2));
+        note("after");
+    });
+    desktop.runUntilIdle();
+    EXPECT_EQ(order, (Lines{"before 0.0 worker", "meanwhile 0.0 other", "tick 0.1 main", "tick 0.2 main",
+                            "after 0.2 worker", "later 0.2 worker"}));
+}
+
+TEST_F(SimulatedDesktopTest, TicksThatABlockedMainThreadMissesAreNotMadeUpFor) {
+    int ticks = 0;
+    const auto timer = desktop.scheduler().scheduleRepeatingTimer(Seconds(0.1), [&] { ++ticks; });
+    desktop.scheduler().block(Seconds(0.95));
+    EXPECT_EQ(ticks, 0);
+    desktop.advance(Seconds(0.1));
+    EXPECT_EQ(ticks, 2) << "the late one and the one at its moment";
+}
+
+TEST_F(SimulatedDesktopDeathTest, OnlyTasksOfAQueueSleepAndOneQueueAtATime) {
+    EXPECT_DEATH(desktop.scheduler().sleep(Seconds(1)), "Scheduler::sleep on the main thread");
+    const auto other = desktop.scheduler().makeSerialQueue("other");
+    const auto sleep = [&] { desktop.scheduler().sleep(Seconds(1)); };
+    other->async(sleep);
+    EXPECT_DEATH(onQueue(sleep), "the queue worker has to wait while the queue other waits");
+    desktop.runUntilIdle();
+}
+
 TEST_F(SimulatedDesktopDeathTest, VirtualTimeIsNotAdvancedFromATask) {
     desktop.scheduler().mainAsync([&] { desktop.advance(Seconds(1)); });
     EXPECT_DEATH(desktop.runUntilIdle(), "misuse: advance from within a task");
@@ -129,9 +168,12 @@ TEST_F(SimulatedDesktopDeathTest, PortsOfTheMainThreadStopATaskOfAQueue) {
     const auto layer = desktop.views().makeLayer();
     const auto stream = makeStreamWithOutput();
     const std::vector<std::pair<Task, std::string>> calls{
-        {[&] { static_cast<void>(desktop.workspace().frontmostApplication()); }, "Workspace::frontmostApplication"},
+        {[&] { static_cast<void>(desktop.workspace().runningApplication(notes)); }, "Workspace::runningApplication"},
+        {[&] { desktop.workspace().activateApplication(notes); }, "Workspace::activateApplication"},
         {[&] { static_cast<void>(desktop.screens().screens()); }, "Screens::screens"},
-        {[&] { static_cast<void>(desktop.accessibility().isProcessTrusted()); }, "Accessibility::isProcessTrusted"},
+        {[&] { desktop.accessibility().promptForTrust(); }, "Accessibility::promptForTrust"},
+        {[&] { static_cast<void>(desktop.syntheticEvents().makeEventSource(EventSourceState::combinedSession)); },
+         "SyntheticEvents::makeEventSource"},
         {[&] { static_cast<void>(desktop.eventAccess().preflightPostEventAccess()); },
          "EventAccess::preflightPostEventAccess"},
         {[&] { desktop.notificationCenter().post("name"); }, "NotificationCenter::post"},
@@ -144,6 +186,7 @@ TEST_F(SimulatedDesktopDeathTest, PortsOfTheMainThreadStopATaskOfAQueue) {
         {[&] { layer->setContents(nullptr); }, "Layer::setContents"},
         {[&] { stream->startCapture(ignore); }, "CaptureStream::startCapture"},
         {[&] { desktop.screenCapture().getShareableContent(false, false, {}); }, "ScreenCapture::getShareableContent"},
+        {[&] { static_cast<void>(desktop.eventTaps().create({}, {}, {}, 0, nullptr)); }, "EventTaps::create"},
         {[&] { desktop.sharedApplication()->setActivationPolicy(ActivationPolicy::regular); },
          "Application::setActivationPolicy"},
     };
@@ -158,6 +201,9 @@ TEST_F(SimulatedDesktopTest, PortsOfAnyThreadServeATaskOfAQueue) {
         static_cast<void>(desktop.clock().now());
         static_cast<void>(desktop.processInfo().processIdentifier());
         static_cast<void>(desktop.windowServer().copyWindowInfo(windowListExcludeDesktopElements, nullWindowID));
+        static_cast<void>(desktop.workspace().frontmostApplication());
+        static_cast<void>(desktop.accessibility().isProcessTrusted());
+        static_cast<void>(desktop.accessibility().applicationElement(notes)->copyAttributeValue("AXWindows"));
         desktop.scheduler().mainAsync([&] { desktop.notificationCenter().post("hop"); });
     });
     EXPECT_EQ(desktop.journal().take({"notificationCenter.post"}), Lines{"notificationCenter.post hop"});
@@ -378,6 +424,157 @@ TEST_F(SimulatedDesktopDeathTest, ImpossibleCaptureArguments) {
     EXPECT_DEATH(capture.complete(CaptureOperation::screenshot), "completion 0 of 0 that are held");
 }
 
+// Event taps
+
+constexpr KeyPress controlP{35, eventFlagMaskControl};
+
+class EventTapTest : public SimulatedDesktopTest {
+protected:
+    /// A tap that counts what it sees and swallows it.
+    std::unique_ptr<EventTap> makeTap(EventTapOptions options = EventTapOptions::defaultTap,
+                                      EventTapPlacement placement = EventTapPlacement::tailAppend,
+                                      EventMask mask = eventMaskBit(SystemEventType::keyDown)) {
+        return desktop.eventTaps().create(EventTapLocation::session, placement, options, mask,
+                                          [this](SystemEventType, const SystemEvent&) {
+                                              ++seen;
+                                              onEvent();
+                                              return TappedEvent::swallowed;
+                                          });
+    }
+    std::unique_ptr<EventTap> makeRunningTap(EventTapOptions options = EventTapOptions::defaultTap) {
+        auto tap = makeTap(options);
+        tap->addToMainRunLoop();
+        tap->setEnabled(true);
+        return tap;
+    }
+    TappedEvent press() { return desktop.pressKey(controlP.keyCode, controlP.modifiers); }
+
+    int seen = 0;
+    std::function<void()> onEvent = [] {};
+};
+
+using EventTapDeathTest = EventTapTest;
+
+TEST_F(EventTapTest, ATapSeesKeysWhileItIsInTheRunLoopEnabledAndTrusted) {
+    const auto tap = makeTap();
+    EXPECT_EQ(press(), TappedEvent::passes);
+    tap->setEnabled(true);
+    EXPECT_EQ(press(), TappedEvent::passes);
+    tap->addToMainRunLoop();
+    EXPECT_EQ(press(), TappedEvent::swallowed);
+    EXPECT_EQ(seen, 1);
+    desktop.accessibility().setTrusted(false);
+    EXPECT_EQ(press(), TappedEvent::passes);
+    desktop.accessibility().setTrusted(true);
+    tap->setEnabled(false);
+    EXPECT_EQ(press(), TappedEvent::passes);
+    EXPECT_EQ(seen, 1);
+}
+
+TEST_F(EventTapTest, NoTapIsMadeWithoutTrustOrWhenTheSystemRefuses) {
+    desktop.eventTaps().refuse(true);
+    EXPECT_EQ(makeTap(), nullptr);
+    desktop.eventTaps().refuse(false);
+    desktop.accessibility().setTrusted(false);
+    EXPECT_EQ(makeTap(), nullptr);
+}
+
+TEST_F(EventTapTest, ATapSeesOnlyTheKindsOfItsMaskAndAListenerSwallowsNothing) {
+    const auto deaf = makeTap(EventTapOptions::defaultTap, EventTapPlacement::tailAppend, EventMask{1} << 11);
+    deaf->addToMainRunLoop();
+    deaf->setEnabled(true);
+    EXPECT_EQ(press(), TappedEvent::passes);
+    EXPECT_EQ(seen, 0);
+    const auto listener = makeRunningTap(EventTapOptions::listenOnly);
+    EXPECT_EQ(press(), TappedEvent::passes);
+    EXPECT_EQ(seen, 1);
+}
+
+TEST_F(EventTapTest, TheFirstTapThatSwallowsAPressIsTheLastToSeeIt) {
+    const auto tap = makeRunningTap();
+    const auto first = makeTap(EventTapOptions::defaultTap, EventTapPlacement::headInsert);
+    first->addToMainRunLoop();
+    first->setEnabled(true);
+    press();
+    EXPECT_EQ(seen, 1);
+    first->setEnabled(false);
+    press();
+    EXPECT_EQ(seen, 2);
+}
+
+TEST_F(EventTapTest, WhereOnlyTheExpectedPressIsShownNoOtherArrives) {
+    desktop.eventTaps().showOnlyWhatIsExpected();
+    const auto tap = makeRunningTap();
+    EXPECT_EQ(press(), TappedEvent::passes);
+    tap->expect(controlP);
+    EXPECT_EQ(press(), TappedEvent::swallowed);
+    EXPECT_EQ(desktop.pressKey(controlP.keyCode, eventFlagMaskShift), TappedEvent::passes);
+    tap->expect(std::nullopt);
+    EXPECT_EQ(press(), TappedEvent::passes);
+}
+
+TEST_F(EventTapTest, ChangesOfTheReachAreAnnouncedLaterAndOnlyToLivingTaps) {
+    int changes = 0;
+    auto tap = makeRunningTap();
+    tap->setOnReachChange([&] { ++changes; });
+    desktop.eventTaps().setReach(controlP, KeyPressReach::heldByAnotherProgram);
+    EXPECT_EQ(tap->reach(), KeyPressReach::reaches) << "nothing is expected yet";
+    tap->expect(controlP);
+    EXPECT_EQ(tap->reach(), KeyPressReach::heldByAnotherProgram);
+    EXPECT_EQ(changes, 0);
+    desktop.runUntilIdle();
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(press(), TappedEvent::passes);
+
+    desktop.eventTaps().setReach(controlP, KeyPressReach::heldByAnotherProgram);
+    desktop.runUntilIdle();
+    EXPECT_EQ(changes, 1);
+    desktop.eventTaps().setReach(controlP, KeyPressReach::reaches);
+    tap.reset();
+    desktop.runUntilIdle();
+    EXPECT_EQ(changes, 1);
+}
+
+TEST_F(EventTapTest, ATapThatNobodyListensToAnnouncesNothing) {
+    const auto tap = makeRunningTap();
+    desktop.eventTaps().setReach(controlP, KeyPressReach::missingOnKeyboard);
+    tap->expect(controlP);
+    desktop.runUntilIdle();
+    EXPECT_EQ(tap->reach(), KeyPressReach::missingOnKeyboard);
+}
+
+TEST_F(EventTapDeathTest, TapsAreUsedInTheirOrderAndWithValuesThatCanBe) {
+    const auto tap = makeTap();
+    auto& simulatedTap = *desktop.eventTaps().all().front();
+    EXPECT_DEATH(static_cast<void>(desktop.eventTaps().create({}, {}, {}, 0, nullptr)), "create without a callback");
+    EXPECT_DEATH(tap->expect(KeyPress{35, 0x10000}), "EventTap::expect with the modifiers 0x10000");
+    EXPECT_DEATH(simulatedTap.disableBySystem(SystemEventType::tapDisabledByTimeout),
+                 "an event tap that is off is switched off");
+    tap->addToMainRunLoop();
+    EXPECT_DEATH(tap->addToMainRunLoop(), "EventTap::addToMainRunLoop for the second time");
+    EXPECT_DEATH(simulatedTap.disableBySystem(SystemEventType::keyDown), "a kind of event that does not say so");
+    desktop.eventTaps().setReach(controlP, KeyPressReach::missingOnKeyboard);
+    EXPECT_DEATH(press(), "pressing keyCode=35 modifiers=0x40000, which the keyboard does not have");
+}
+
+TEST_F(EventTapDeathTest, ACallbackIsNotInterruptedAndDestroysNoTap) {
+    auto tap = makeRunningTap();
+    onEvent = [&] { press(); };
+    EXPECT_DEATH(press(), "an event during the callback of an event tap");
+    onEvent = [&] { tap.reset(); };
+    EXPECT_DEATH(press(), "an event tap was destroyed by the callback of one");
+}
+
+TEST_F(EventTapDeathTest, ATapDoesNotOutliveTheDesktop) {
+    const auto leaveTap = [] {
+        auto shortLived = std::make_unique<Desktop>();
+        const auto tap = shortLived->eventTaps().create(
+            {}, {}, {}, 0, [](SystemEventType, const SystemEvent&) { return TappedEvent::passes; });
+        shortLived.reset();
+    };
+    EXPECT_DEATH(leaveTap(), "1 event taps outlive the desktop");
+}
+
 // Files, settings, windows, the application
 
 TEST_F(SimulatedDesktopDeathTest, FilesAreUsedWhileTheyAreOpen) {
@@ -453,6 +650,75 @@ TEST_F(SimulatedDesktopTest, SwitchingAnnouncesOncePerChangeOfTheApplication) {
     EXPECT_TRUE(activated.empty()) << "announcements wait on the main queue";
     desktop.runUntilIdle();
     EXPECT_EQ(activated, (std::vector{notes, mail}));
+}
+
+TEST_F(SimulatedDesktopTest, RaisingStaysWithinTheApplicationAndActivatingComesToTheFront) {
+    const auto second = desktop.openWindow(notes, "Viaggio", here);
+    const auto mail = desktop.launch("Mail");
+    const auto inbox = desktop.openWindow(mail, "Posta", here);
+    const auto order = [&] {
+        std::vector<WindowID> numbers;
+        for (const auto& entry : desktop.model().windows) {
+            numbers.push_back(entry.windowID);
+        }
+        return numbers;
+    };
+    EXPECT_EQ(desktop.accessibility().window(window)->performAction("AXRaise"), AccessibilityError::success);
+    EXPECT_EQ(order(), (std::vector{inbox, window, second}));
+    desktop.workspace().activateApplication(notes);
+    EXPECT_EQ(order(), (std::vector{window, inbox, second})) << "only the window in front of the others comes along";
+    EXPECT_EQ(desktop.workspace().frontmostApplication()->processIdentifier, notes);
+    desktop.workspace().activateApplication(9999);
+    EXPECT_EQ(desktop.workspace().frontmostApplication()->processIdentifier, notes);
+    EXPECT_EQ(desktop.accessibility().window(window)->performAction("AXShow"),
+              AccessibilityError::attributeUnsupported);
+}
+
+TEST_F(SimulatedDesktopTest, AnAttributeThatIsNotAnsweredCostsTheMessagingTimeout) {
+    const auto element = desktop.accessibility().window(window);
+    element->stopAnswering("AXTitle");
+    EXPECT_EQ(element->copyAttributeValue("AXTitle").error, AccessibilityError::cannotComplete);
+    EXPECT_EQ(desktop.scheduler().now(), std::chrono::seconds(6));
+    element->setMessagingTimeout(Seconds(0.25));
+    EXPECT_EQ(element->isAttributeSettable("AXTitle").error, AccessibilityError::cannotComplete);
+    EXPECT_EQ(element->setAttributeValue("AXTitle", std::string("x")), AccessibilityError::cannotComplete);
+    EXPECT_EQ(desktop.scheduler().now(), std::chrono::milliseconds(6500));
+    EXPECT_EQ(element->copyAttributeValue("AXRole").error, AccessibilityError::success);
+    EXPECT_EQ(desktop.scheduler().now(), std::chrono::milliseconds(6500));
+}
+
+TEST_F(SimulatedDesktopTest, WhatATestAddsToAWindowGoesWithIt) {
+    auto& area = desktop.accessibility().window(window)->addScrollArea(here);
+    auto& bar = area.addVerticalScrollBar(0.5);
+    EXPECT_EQ(bar.setAttributeValue("AXValue", 0.75), AccessibilityError::success);
+    EXPECT_EQ(bar.number("AXValue"), 0.75);
+    EXPECT_EQ(bar.setAttributeValue("AXMaxValue", 2.0), AccessibilityError::attributeUnsupported);
+    EXPECT_EQ(area.performAction("AXRaise"), AccessibilityError::attributeUnsupported);
+    EXPECT_EQ(
+        desktop.journal().take({"accessibility."}).front(),
+        fmt::format("accessibility.setAttributeValue window {} > AXScrollArea 0 > AXScrollBar 0 AXValue 0.75", window));
+    area.disappear();
+    EXPECT_EQ(bar.copyAttributeValue("AXValue").error, AccessibilityError::invalidUIElement);
+    desktop.close(window);
+    EXPECT_EQ(area.isAttributeSettable("AXValue").error, AccessibilityError::invalidUIElement);
+    EXPECT_EQ(bar.setAttributeValue("AXValue", 1.0), AccessibilityError::invalidUIElement);
+}
+
+TEST_F(SimulatedDesktopDeathTest, AccessibilityAndSyntheticEventsAreStrict) {
+    const auto element = desktop.accessibility().window(window);
+    EXPECT_DEATH(element->setMessagingTimeout(Seconds(0)), "setMessagingTimeout of 0 s");
+    EXPECT_DEATH(static_cast<void>(element->number("AXValue")), "AXValue of window .* is no number");
+    auto& events = desktop.syntheticEvents();
+    const EventSource foreign;
+    EXPECT_DEATH(static_cast<void>(events.makeScrollWheelEvent(&foreign, ScrollEventUnit::line, 1, 0)),
+                 "an event was made with a source that is gone");
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_DEATH(
+        static_cast<void>(events.makeMouseEvent(nullptr, SystemEventType::leftMouseDown, {nan, 0}, MouseButton::left)),
+        "SyntheticEvents::makeMouseEvent with a location that is no point");
+    const auto event = events.makeScrollWheelEvent(nullptr, ScrollEventUnit::line, 1, 0);
+    EXPECT_DEATH(event->setLocation({0, nan}), "SyntheticEvent::setLocation with a location that is no point");
+    EXPECT_DEATH(onQueue([&] { event->postToPid(notes); }), "SyntheticEvent::postToPid on the queue worker");
 }
 
 } // namespace

@@ -34,6 +34,13 @@ protected:
         send(EventType::leftMouseDragged, at(dx, dy));
         send(EventType::leftMouseUp, at(dx, dy));
     }
+    std::size_t postedEvents() { return desktop.syntheticEvents().posted().size(); }
+    const simulated::PostedEvent& lastPosted() { return desktop.syntheticEvents().posted().back(); }
+    /// What the scroller asks of other programs.
+    Lines takeAccessibilityCalls() {
+        desktop.runUntilIdle();
+        return desktop.accessibility().takeCalls();
+    }
     std::size_t reconfigurations() { return desktop.journal().take({"stream.updateConfiguration"}).size(); }
     std::size_t switches() {
         const auto lines = takeLog();
@@ -51,15 +58,23 @@ TEST_F(WindowOverlayEdgeCases, WithForwardingNeverStoredClicksAreForwardedBelow2
     show();
     takeLog();
     send(EventType::leftMouseDown);
+    EXPECT_EQ(lastPosted().type, SystemEventType::leftMouseDown);
+    EXPECT_EQ(lastPosted().location, (DisplayPoint{500, 350}));
+    EXPECT_EQ(lastPosted().pid, app);
     send(EventType::leftMouseUp);
+    EXPECT_EQ(lastPosted().type, SystemEventType::leftMouseUp);
+    EXPECT_EQ(postedEvents(), 2U);
     EXPECT_EQ(switches(), 0U);
     EXPECT_TRUE(overlay->isPinVisible());
     EXPECT_TRUE(panel().inheritedEvents().empty());
+    EXPECT_EQ(desktop.model().frontmost, std::nullopt) << "nothing was activated";
 
     setMacOS(27);
     send(EventType::leftMouseDown);
     EXPECT_EQ(switches(), 1U);
     EXPECT_FALSE(overlay->isPinVisible());
+    EXPECT_EQ(desktop.model().frontmost, app);
+    EXPECT_EQ(postedEvents(), 2U);
 }
 
 TEST_F(WindowOverlayEdgeCases, ADragResizesOnlyWhenItStartsInTheCornerAndThenIsNeverForwarded) {
@@ -78,6 +93,20 @@ TEST_F(WindowOverlayEdgeCases, ADragResizesOnlyWhenItStartsInTheCornerAndThenIsN
 
     send(EventType::leftMouseDown, {700, 300});
     EXPECT_EQ(panel().inheritedEvents().size(), 7U);
+
+    setForwarding(true);
+    overlay->bringToFront();
+    const auto before = panel().frame();
+    for (const auto type : {EventType::leftMouseDown, EventType::leftMouseDragged, EventType::leftMouseUp}) {
+        send(type, {700, 300});
+        EXPECT_EQ(panel().frame(), before);
+    }
+    EXPECT_EQ(postedEvents(), 3U) << "outside the corner a drag is forwarded";
+    send(EventType::leftMouseDown, {812, 28});
+    send(EventType::leftMouseDragged, {822, 28});
+    send(EventType::leftMouseUp, {822, 28});
+    EXPECT_EQ(panel().frame().size, (Size{850, 630}));
+    EXPECT_EQ(postedEvents(), 3U) << "inside it never";
 }
 
 TEST_F(WindowOverlayEdgeCases, ShrinkingStopsAt320By220AndTheTopLeftCornerStaysPut) {
@@ -137,10 +166,13 @@ TEST_F(WindowOverlayEdgeCases, AScrollWithoutVerticalDeltaDoesNotReachTheScrolle
     setMacOS(27);
     setForwarding(true);
     show();
+    takeAccessibilityCalls();
     const auto before = desktop.scheduler().waitingTasks(scrollQueue);
     send(EventType::scrollWheel);
     EXPECT_EQ(desktop.scheduler().waitingTasks(scrollQueue), before);
+    EXPECT_EQ(takeAccessibilityCalls(), Lines{});
     EXPECT_TRUE(panel().inheritedEvents().empty());
+    EXPECT_EQ(postedEvents(), 0U);
 }
 
 // Geometry
@@ -416,10 +448,38 @@ TEST_F(WindowOverlayTest, SwitchingToTheRealWindowSendsTheOverlayBehind) {
     turnLoggingOn();
     show();
     takeLog();
+    desktop.journal().clear();
     overlay->activateRealWindow();
-    EXPECT_EQ(takeLog(),
-              (Lines{"overlay: switching to real window wid=" + number, "overlay: sendBehind wid=" + number}));
+    EXPECT_EQ(takeLog(), (Lines{"overlay: switching to real window wid=" + number, "overlay: sendBehind wid=" + number,
+                                fmt::format("raiseWindow: AXRaise wid={} pid={} result=0", number, app),
+                                "raiseWindow: activated app 'Note'"}));
     EXPECT_EQ(panel().level(), normalWindowLevel - 1);
+    EXPECT_EQ(desktop.journal().take({"panel.orderBack", "accessibility.", "workspace.activate"}),
+              (Lines{"panel.orderBack", "accessibility.performAction window " + number + " AXRaise",
+                     fmt::format("workspace.activateApplication {}", app)}));
+}
+
+TEST_F(WindowOverlayTest, SwitchingShowsTheWindowThatWasPinnedAboveTheOthersOfItsApplication) {
+    show();
+    desktop.openWindow(app, "Viaggio", {{300, 200}, {500, 400}});
+    const auto mail = desktop.launch("Mail");
+    desktop.openWindow(mail, "Posta", {{0, 0}, {900, 900}});
+    desktop.activate(mail);
+    overlay->activateRealWindow();
+    EXPECT_EQ(desktop.model().frontmost, app);
+    EXPECT_EQ(desktop.model().windows.front().windowID, windowID);
+}
+
+TEST_F(WindowOverlayTest, SwitchingToAWindowThatHasClosedOnlySendsTheOverlayBehind) {
+    turnLoggingOn();
+    show();
+    desktop.close(windowID);
+    takeLog();
+    overlay->activateRealWindow();
+    EXPECT_EQ(takeLog().back(),
+              fmt::format("raiseWindow: no AX window matched wid={} pid={}; doing nothing", number, app));
+    EXPECT_FALSE(overlay->isPinVisible());
+    EXPECT_EQ(desktop.model().frontmost, std::nullopt);
 }
 
 TEST_F(WindowOverlayTest, AReleasedOverlayLeavesNothingBehind) {
@@ -576,8 +636,8 @@ TEST_F(WindowOverlayTest, ForwardingIsWhatIsStoredAsATruthElseOnBelow27) {
     }
 }
 
-/// Where an event goes. What is forwarded leaves no other trace than that it goes nowhere else.
-enum class Way { forwardedOrSwallowed, switched, inherited, inheritedAndSwitched };
+/// Where an event goes.
+enum class Way { forwarded, scrolled, swallowed, switched, inherited, inheritedAndSwitched };
 
 struct RoutingCase {
     EventType type;
@@ -588,22 +648,16 @@ struct RoutingCase {
 };
 
 constexpr RoutingCase routingCases[] = {
-    {EventType::leftMouseDown, Way::forwardedOrSwallowed, Way::inheritedAndSwitched, Way::switched, Way::switched},
-    {EventType::leftMouseUp, Way::forwardedOrSwallowed, Way::inherited, Way::forwardedOrSwallowed,
-     Way::forwardedOrSwallowed},
-    {EventType::leftMouseDragged, Way::forwardedOrSwallowed, Way::inherited, Way::forwardedOrSwallowed,
-     Way::forwardedOrSwallowed},
-    {EventType::rightMouseDown, Way::forwardedOrSwallowed, Way::inherited, Way::switched, Way::switched},
-    {EventType::rightMouseUp, Way::forwardedOrSwallowed, Way::inherited, Way::forwardedOrSwallowed,
-     Way::forwardedOrSwallowed},
-    {EventType::rightMouseDragged, Way::forwardedOrSwallowed, Way::inherited, Way::forwardedOrSwallowed,
-     Way::forwardedOrSwallowed},
-    {EventType::otherMouseDown, Way::forwardedOrSwallowed, Way::inherited, Way::switched, Way::switched},
-    {EventType::otherMouseUp, Way::forwardedOrSwallowed, Way::inherited, Way::forwardedOrSwallowed,
-     Way::forwardedOrSwallowed},
-    {EventType::otherMouseDragged, Way::forwardedOrSwallowed, Way::inherited, Way::forwardedOrSwallowed,
-     Way::forwardedOrSwallowed},
-    {EventType::scrollWheel, Way::forwardedOrSwallowed, Way::inherited, Way::forwardedOrSwallowed, Way::inherited},
+    {EventType::leftMouseDown, Way::forwarded, Way::inheritedAndSwitched, Way::switched, Way::switched},
+    {EventType::leftMouseUp, Way::forwarded, Way::inherited, Way::swallowed, Way::swallowed},
+    {EventType::leftMouseDragged, Way::forwarded, Way::inherited, Way::swallowed, Way::swallowed},
+    {EventType::rightMouseDown, Way::forwarded, Way::inherited, Way::switched, Way::switched},
+    {EventType::rightMouseUp, Way::forwarded, Way::inherited, Way::swallowed, Way::swallowed},
+    {EventType::rightMouseDragged, Way::forwarded, Way::inherited, Way::swallowed, Way::swallowed},
+    {EventType::otherMouseDown, Way::forwarded, Way::inherited, Way::switched, Way::switched},
+    {EventType::otherMouseUp, Way::forwarded, Way::inherited, Way::swallowed, Way::swallowed},
+    {EventType::otherMouseDragged, Way::forwarded, Way::inherited, Way::swallowed, Way::swallowed},
+    {EventType::scrollWheel, Way::forwarded, Way::inherited, Way::scrolled, Way::inherited},
     {EventType::mouseMoved, Way::inherited, Way::inherited, Way::inherited, Way::inherited},
     {EventType::mouseEntered, Way::inherited, Way::inherited, Way::inherited, Way::inherited},
     {EventType::mouseExited, Way::inherited, Way::inherited, Way::inherited, Way::inherited},
@@ -611,16 +665,28 @@ constexpr RoutingCase routingCases[] = {
 
 class WindowOverlayRouting : public WindowOverlayTest, public testing::WithParamInterface<RoutingCase> {
 protected:
+    /// Fails when the event takes more than one way.
     Way wayOf(EventType type) {
         const auto inheritedBefore = panel().inheritedEvents().size();
+        const auto postedBefore = postedEvents();
         const bool inFrontBefore = overlay->isPinVisible();
         send(type, middle, 0, 3);
+        const bool isScrolled = desktop.scheduler().waitingTasks(scrollQueue) > 0;
         const bool isInherited = panel().inheritedEvents().size() > inheritedBefore;
+        const bool isForwarded = postedEvents() > postedBefore;
         const bool hasSwitched = inFrontBefore && !overlay->isPinVisible();
+        EXPECT_LE(isScrolled + isForwarded + (isInherited || hasSwitched), 1);
+        if (isScrolled) {
+            return Way::scrolled;
+        }
+        if (isForwarded) {
+            EXPECT_EQ(static_cast<int>(lastPosted().type), static_cast<int>(type));
+            return Way::forwarded;
+        }
         if (isInherited) {
             return hasSwitched ? Way::inheritedAndSwitched : Way::inherited;
         }
-        return hasSwitched ? Way::switched : Way::forwardedOrSwallowed;
+        return hasSwitched ? Way::switched : Way::swallowed;
     }
 };
 
@@ -672,8 +738,11 @@ TEST_F(WindowOverlayTest, ACommandClickSwitchesWhileForwarding) {
     send(EventType::rightMouseDown, middle, modifierFlagCommand);
     send(EventType::leftMouseUp, middle, modifierFlagCommand);
     EXPECT_TRUE(overlay->isPinVisible());
+    EXPECT_EQ(postedEvents(), 3U);
     send(EventType::leftMouseDown, middle, modifierFlagShift | modifierFlagCommand);
     EXPECT_FALSE(overlay->isPinVisible());
+    EXPECT_EQ(postedEvents(), 3U);
+    EXPECT_EQ(desktop.model().frontmost, app);
     EXPECT_TRUE(panel().inheritedEvents().empty());
 }
 
@@ -697,6 +766,55 @@ TEST_F(WindowOverlayTest, From27OnAForwardedScrollGoesToTheScrollersQueue) {
     send(EventType::scrollWheel, middle, 0, -4);
     EXPECT_EQ(desktop.scheduler().waitingTasks(scrollQueue), 1U);
     desktop.runUntilIdle();
+}
+
+TEST_F(WindowOverlayTest, AScrollMovesTheBarUnderThePointerWhateverThePanelsSize) {
+    setMacOS(27);
+    setForwarding(true);
+    show();
+    auto& window = *desktop.accessibility().window(windowID);
+    auto& left = window.addScrollArea({{100, 50}, {400, 600}}).addVerticalScrollBar(0.5);
+    auto& right = window.addScrollArea({{500, 50}, {400, 600}}).addVerticalScrollBar(0.5);
+    dragGrip(-400, 300);
+    ASSERT_EQ(panel().frame().size, (Size{400, 300}));
+    send(EventType::scrollWheel, {199, 150}, 0, 100);
+    send(EventType::scrollWheel, {200, 150}, 0, -100);
+    desktop.runUntilIdle();
+    EXPECT_EQ(left.number("AXValue"), 0.35);
+    EXPECT_EQ(right.number("AXValue"), 0.65);
+}
+
+TEST_F(WindowOverlayTest, HidingDropsTheScrollAreas) {
+    setMacOS(27);
+    setForwarding(true);
+    show();
+    desktop.accessibility().window(windowID)->addScrollArea(realBounds).addVerticalScrollBar(0.5);
+    const auto walk = fmt::format("window {} setMessagingTimeout 0.25", windowID);
+    const auto scrollAndCountWalks = [&] {
+        send(EventType::scrollWheel, middle, 0, 1);
+        const auto calls = takeAccessibilityCalls();
+        return std::count(calls.begin(), calls.end(), walk);
+    };
+    EXPECT_EQ(scrollAndCountWalks(), 1);
+    EXPECT_EQ(scrollAndCountWalks(), 0);
+    overlay->hideOverlay();
+    overlay->bringToFront();
+    desktop.runUntilIdle();
+    EXPECT_EQ(scrollAndCountWalks(), 1);
+}
+
+TEST_F(WindowOverlayTest, TheFirstFrameOfAStreamProbesTheScrollBarsWhenThatIsSwitchedOn) {
+    desktop.userDefaults().store("axScrollProbe", true);
+    auto& bar = desktop.accessibility().window(windowID)->addScrollArea(realBounds).addVerticalScrollBar(0.5);
+    show();
+    EXPECT_EQ(bar.number("AXValue"), 0.6);
+    desktop.draw(windowID);
+    desktop.advance(Seconds(1));
+    EXPECT_EQ(bar.number("AXValue"), 0.6) << "only the first";
+    overlay->sendBehind();
+    overlay->bringToFront();
+    desktop.advance(Seconds(1));
+    EXPECT_EQ(bar.number("AXValue"), 0.7) << "once for each stream";
 }
 
 TEST_F(WindowOverlayTest, Below27AScrollDoesNotGoToTheScrollersQueue) {

@@ -12,6 +12,11 @@ void selectors(NSView* view, SCStream* stream) {
     [NSColor colorWithWhite:0 alfa:1]; // expected-error {{no known class method for selector 'colorWithWhite:alfa:'}}
 }
 
+// AppKit's windows perform it, but no header of theirs says so.
+SEL actions() {
+    return @selector(undo:); // expected-error {{undeclared selector 'undo:'}}
+}
+
 void properties(NSWindow* window, NSScreen* screen) {
     window.floatingPanel = YES; // expected-error {{property 'floatingPanel' not found on object of type 'NSWindow *'}}
     screen.frame = NSMakeRect(0, 0, 1, 1); // expected-error {{assignment to readonly property}}
@@ -34,6 +39,12 @@ void nothingWhereSomethingIsNeeded(NSView* view) {
 void interfacesOfLaterSystems(SCStreamConfiguration* configuration) {
     // expected-error@+1 {{'setShowMouseClicks:' is only available on macOS 15.0 or newer}}
     configuration.showMouseClicks = NO;
+}
+
+void callbacks(CGEventRef (*callback)(CGEventTapProxy, CGEventType, CGEventRef)) {
+    // expected-error@+1 {{no matching function for call to 'CGEventTapCreate'}}
+    CGEventTapCreate(kCGAnnotatedSessionEventTap, kCGTailAppendEventTap, kCGEventTapOptionDefault, 1, callback,
+                     nullptr);
 }
 
 void ownership(AXUIElementRef element) {

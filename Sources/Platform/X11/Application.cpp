@@ -18,6 +18,10 @@ void X11Application::setDelegate(std::weak_ptr<ApplicationDelegate> newDelegate)
 
 void X11Application::setActivationPolicy(ActivationPolicy /*policy*/) {}
 
+void X11Application::setMainMenu(std::shared_ptr<Menu> menu) {
+    mainMenu = std::move(menu);
+}
+
 void X11Application::connectRemoteControl() {
     if (remoteControl == nullptr) {
         return;

@@ -21,6 +21,7 @@ public:
 
     void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) override;
     void setActivationPolicy(ActivationPolicy policy) override;
+    void setMainMenu(std::shared_ptr<Menu> menu) override;
     void run() override;
     void terminate() override;
 
@@ -31,6 +32,7 @@ private:
     void connectRemoteControl();
 
     std::weak_ptr<ApplicationDelegate> delegate;
+    std::shared_ptr<Menu> mainMenu;
     RemoteControl* remoteControl;
     std::unique_ptr<TerminationSignals> signals;
     bool hasEnded = false;

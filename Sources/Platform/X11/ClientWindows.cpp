@@ -2,6 +2,7 @@
 
 #include "Platform/X11/PropertyReply.h"
 #include "Platform/X11/SafeText.h"
+#include "Platform/X11/WindowManager.h"
 
 #include <xcb/res.h>
 
@@ -24,8 +25,6 @@ constexpr std::uint32_t longestWindowList = 65536;
 
 /// WM_STATE's values.
 constexpr std::uint32_t normalState = 1;
-/// _NET_WM_DESKTOP's value for a window on all desktops.
-constexpr std::uint32_t allDesktops = 0xffffffff;
 
 const std::string& hostName() {
     static const std::string name = [] {
@@ -179,6 +178,17 @@ private:
     PropertyReply className;
 };
 
+/// Left, right, top, bottom.
+constexpr std::uint32_t marginCount = 4;
+
+Margins marginsIn(const PropertyReply& property) {
+    const auto numbers = property.numbers();
+    // No window is larger.
+    constexpr std::uint32_t widest = 32767;
+    const auto width = [&](std::size_t index) { return static_cast<int>(std::min(numbers[index], widest)); };
+    return numbers.size() == marginCount ? Margins{width(0), width(1), width(2), width(3)} : Margins();
+}
+
 bool hasResourceExtension(Connection& connection) {
     const auto* data = xcb_get_extension_data(connection.xcb(), &xcb_res_id);
     return data != nullptr && data->present != 0;
@@ -278,8 +288,30 @@ std::optional<ClientWindow> ClientWindows::describe(xcb_window_t window) const {
     return found.empty() ? std::nullopt : std::optional(std::move(found.front()));
 }
 
+WindowMargins ClientWindows::margins(xcb_window_t window) const {
+    const auto frameAtom = connection.atom("_NET_FRAME_EXTENTS");
+    const auto shadowAtom = connection.atom("_GTK_FRAME_EXTENTS");
+    PropertyReply frame(connection, window, frameAtom, marginCount);
+    PropertyReply shadow(connection, window, shadowAtom, marginCount);
+    frame.wait();
+    shadow.wait();
+    return {marginsIn(frame), marginsIn(shadow)};
+}
+
 std::optional<xcb_window_t> ClientWindows::activeWindow() const {
     return readDesktop().activeWindow;
+}
+
+std::optional<xcb_window_t> ClientWindows::windowOver(xcb_window_t window) const {
+    const auto all = readDesktop().windows;
+    const auto found = std::find(all.begin(), all.end(), window);
+    return found != all.end() && found + 1 != all.end() ? std::optional(*(found + 1)) : std::nullopt;
+}
+
+bool ClientWindows::isOver(xcb_window_t window, xcb_window_t other) const {
+    const auto all = readDesktop().windows;
+    const auto found = std::find(all.begin(), all.end(), other);
+    return std::find(found, all.end(), window) != all.end() && window != other;
 }
 
 std::vector<ClientWindow> ClientWindows::describe(std::span<const xcb_window_t> windows,

@@ -37,8 +37,25 @@ struct ClientWindow {
     bool isOnScreen = false;
 };
 
+/// Widths in pixels, at least 0.
+struct Margins {
+    int left = 0;
+    int right = 0;
+    int top = 0;
+    int bottom = 0;
+};
+
+/// What belongs to a window's looks beside its content.
+struct WindowMargins {
+    /// The window manager's frame, around the client area (_NET_FRAME_EXTENTS).
+    Margins frame;
+    /// The shadow that the program draws, inside the client area (_GTK_FRAME_EXTENTS).
+    Margins shadow;
+};
+
 /// Reads windows from the server and the window manager. The requests for all windows go out together, so that a
-/// list costs a few round trips, however long it is. A window that closes meanwhile is left out. Main thread.
+/// list costs a few round trips, however long it is. A window that closes meanwhile is left out. The thread is the
+/// connection's.
 class ClientWindows {
 public:
     explicit ClientWindows(Connection& connection) : connection(connection) {}
@@ -51,8 +68,13 @@ public:
     /// In the order of the argument, in one round trip; all desktops count as the current one.
     [[nodiscard]] std::vector<ClientWindow> describe(std::span<const xcb_window_t> windows) const;
     [[nodiscard]] std::optional<ClientWindow> describe(xcb_window_t window) const;
+    [[nodiscard]] WindowMargins margins(xcb_window_t window) const;
     /// The window that the window manager calls active; none without a window manager.
     [[nodiscard]] std::optional<xcb_window_t> activeWindow() const;
+    /// The managed window directly over that one; none for the topmost one.
+    [[nodiscard]] std::optional<xcb_window_t> windowOver(xcb_window_t window) const;
+    /// Whether both are managed and the first lies over the second.
+    [[nodiscard]] bool isOver(xcb_window_t window, xcb_window_t other) const;
 
 private:
     struct Desktop;

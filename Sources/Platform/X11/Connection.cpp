@@ -302,6 +302,7 @@ std::variant<std::unique_ptr<Connection>, std::string> Connection::open() {
     announceVersions(xcb);
 
     auto screens = xcb_setup_roots_iterator(xcb_get_setup(xcb));
+    made->defaultScreenNumber = screenNumber;
     for (; screenNumber > 0 && screens.rem > 1; --screenNumber) {
         xcb_screen_next(&screens);
     }
@@ -311,7 +312,7 @@ std::variant<std::unique_ptr<Connection>, std::string> Connection::open() {
         made->randrBase = xcb_get_extension_data(xcb, &xcb_randr_id)->first_event;
     }
     made->pixelsPerPoint = readScale(xcb, made->root());
-    made->primaryScreen = {0, 0, made->defaultScreen->width_in_pixels, made->defaultScreen->height_in_pixels};
+    made->primaryScreenPixels = {0, 0, made->defaultScreen->width_in_pixels, made->defaultScreen->height_in_pixels};
     if (!made->isAlive()) {
         return cannotConnectText();
     }
@@ -320,7 +321,9 @@ std::variant<std::unique_ptr<Connection>, std::string> Connection::open() {
 
 Connection::~Connection() {
     tables->connection = nullptr;
-    flush();
+    // The server drops what it has not looked at yet when a client leaves: the answer shows that it has.
+    const Reply<xcb_get_input_focus_reply_t> answer(
+        xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
     xcb_disconnect(connection);
 }
 
@@ -418,14 +421,26 @@ void Connection::dispatch(const xcb_generic_event_t& event) {
 }
 
 DisplayRect Connection::toPoints(const PixelRect& rect) const {
-    return {{(rect.x - primaryScreen.x) / pixelsPerPoint, (rect.y - primaryScreen.y) / pixelsPerPoint},
+    const auto screen = primaryScreen();
+    return {{(rect.x - screen.x) / pixelsPerPoint, (rect.y - screen.y) / pixelsPerPoint},
             {rect.width / pixelsPerPoint, rect.height / pixelsPerPoint}};
 }
 
 PixelRect Connection::toPixels(const DisplayRect& rect) const {
     const auto pixels = [this](double points) { return static_cast<int>(std::lround(points * pixelsPerPoint)); };
-    return {primaryScreen.x + pixels(rect.origin.x), primaryScreen.y + pixels(rect.origin.y), pixels(rect.size.width),
+    const auto screen = primaryScreen();
+    return {screen.x + pixels(rect.origin.x), screen.y + pixels(rect.origin.y), pixels(rect.size.width),
             pixels(rect.size.height)};
+}
+
+PixelPoint Connection::toPixel(const DisplayPoint& point) const {
+    // A point that a computation put a little before its pixel is meant to lie in it.
+    constexpr double tolerance = 1.0 / 64;
+    const auto pixel = [this](double points) {
+        return static_cast<int>(std::floor(points * pixelsPerPoint + tolerance));
+    };
+    const auto screen = primaryScreen();
+    return {screen.x + pixel(point.x), screen.y + pixel(point.y)};
 }
 
 ScreenRect Connection::flipped(const DisplayRect& rect) const {

@@ -8,9 +8,11 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -31,6 +33,14 @@ struct PixelRect {
     int height = 0;
 
     bool operator==(const PixelRect&) const = default;
+};
+
+/// A pixel of the root window, or of a window: origin top left, y downwards.
+struct PixelPoint {
+    int x = 0;
+    int y = 0;
+
+    bool operator==(const PixelPoint&) const = default;
 };
 
 /// The one connection to the X server, which all ports share: requests go out in the order of the calls, and
@@ -54,6 +64,8 @@ public:
     [[nodiscard]] xcb_connection_t* xcb() const { return connection; }
     [[nodiscard]] const xcb_screen_t& screen() const { return *defaultScreen; }
     [[nodiscard]] xcb_window_t root() const { return defaultScreen->root; }
+    /// As it stands in the names of selections that exist once a screen (_XSETTINGS_S0).
+    [[nodiscard]] int screenNumber() const { return defaultScreenNumber; }
 
     /// The atom of that name; made when the server has none. Asked for once, then remembered.
     [[nodiscard]] xcb_atom_t atom(std::string_view name);
@@ -97,19 +109,35 @@ public:
     /// The server's time of the latest event that carried one (CurrentTime before the first).
     [[nodiscard]] xcb_timestamp_t latestTime() const { return lastTimestamp; }
 
-    // Coordinates: pixels of the root window to and from points, whose origin is the primary screen's top left.
+    /// The window that was last to come to the front, until it is asked for; the window manager's list of windows may
+    /// show it there only later.
+    void setRaisedWindow(xcb_window_t window) { raisedWindow = window; }
+    [[nodiscard]] xcb_window_t takeRaisedWindow() { return std::exchange(raisedWindow, XCB_WINDOW_NONE); }
+
+    // Coordinates: pixels of the root window to and from points, whose origin is the primary screen's top left. Any
+    // thread.
     [[nodiscard]] DisplayRect toPoints(const PixelRect& rect) const;
     [[nodiscard]] PixelRect toPixels(const DisplayRect& rect) const;
+    /// The pixel of the root window that the point lies in.
+    [[nodiscard]] PixelPoint toPixel(const DisplayPoint& point) const;
     /// Between the window server's and AppKit's coordinates, against the height of the primary screen.
     [[nodiscard]] ScreenRect flipped(const DisplayRect& rect) const;
     [[nodiscard]] DisplayRect flipped(const ScreenRect& rect) const;
     /// The height of the primary screen in points.
-    [[nodiscard]] double primaryScreenHeight() const { return primaryScreen.height / pixelsPerPoint; }
+    [[nodiscard]] double primaryScreenHeight() const { return primaryScreen().height / pixelsPerPoint; }
     /// Kept up to date by the screens port; the whole root window before that.
-    void setPrimaryScreen(const PixelRect& pixels) { primaryScreen = pixels; }
+    void setPrimaryScreen(const PixelRect& pixels) {
+        const std::lock_guard lock(primaryScreenMutex);
+        primaryScreenPixels = pixels;
+    }
 
 private:
     Connection() = default;
+
+    [[nodiscard]] PixelRect primaryScreen() const {
+        const std::lock_guard lock(primaryScreenMutex);
+        return primaryScreenPixels;
+    }
 
     bool dispatchEvent(xcb_generic_event_t* taken);
     void dispatch(const xcb_generic_event_t& event);
@@ -117,11 +145,14 @@ private:
     struct Tables;
     xcb_connection_t* connection = nullptr;
     const xcb_screen_t* defaultScreen = nullptr;
+    int defaultScreenNumber = 0;
     std::uint8_t damageBase = 0;
     std::uint8_t randrBase = 0;
     double pixelsPerPoint = 1;
-    PixelRect primaryScreen;
+    mutable std::mutex primaryScreenMutex;
+    PixelRect primaryScreenPixels;
     xcb_timestamp_t lastTimestamp = XCB_CURRENT_TIME;
+    xcb_window_t raisedWindow = XCB_WINDOW_NONE;
     std::unordered_map<std::string, xcb_atom_t> atoms;
     /// Shared with the tokens, which may outlive the connection.
     std::shared_ptr<Tables> tables;

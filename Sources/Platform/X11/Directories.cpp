@@ -1,6 +1,8 @@
 #include "Platform/X11/Directories.h"
 
 #include <cstdlib>
+#include <sstream>
+#include <string_view>
 
 #include <pwd.h>
 #include <sys/stat.h>
@@ -33,6 +35,22 @@ std::optional<std::string> userDirectory(const char* variable, const std::string
     }
     const auto home = homeDirectory();
     return home ? std::optional(*home + placeInHome) : std::nullopt;
+}
+
+std::vector<std::string> dataDirectories() {
+    std::vector<std::string> directories;
+    if (auto own = userDirectory("XDG_DATA_HOME", "/.local/share")) {
+        directories.push_back(*std::move(own));
+    }
+    const auto* variable = std::getenv("XDG_DATA_DIRS");
+    const std::string_view named = variable != nullptr ? variable : "";
+    std::istringstream list(std::string(named.empty() ? "/usr/local/share:/usr/share" : named));
+    for (std::string entry; std::getline(list, entry, ':');) {
+        if (auto path = absolutePath(entry.c_str())) {
+            directories.push_back(*std::move(path));
+        }
+    }
+    return directories;
 }
 
 void createDirectories(const std::string& path, unsigned permissions) {

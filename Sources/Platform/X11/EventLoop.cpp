@@ -9,7 +9,19 @@
 #include <QCoreApplication>
 #include <QSocketNotifier>
 
+#include <cstdlib>
+
+#include <unistd.h>
+
 namespace quillon::x11 {
+
+namespace {
+
+/// While it serves a connection, the process ends by `exit` for one reason: Qt's own connection to the server broke,
+/// and Qt saw it first.
+EventLoop* current = nullptr;
+
+} // namespace
 
 EventLoop::EventLoop(Connection& connection, X11Scheduler& scheduler) : connection(connection), scheduler(scheduler) {
     auto* dispatcher = QAbstractEventDispatcher::instance();
@@ -23,6 +35,17 @@ EventLoop::EventLoop(Connection& connection, X11Scheduler& scheduler) : connecti
             notifier->setEnabled(false);
         }
     });
+    [[maybe_unused]] static const int registered = std::atexit([] {
+        if (current != nullptr) {
+            current->reportEnd();
+            _exit(ExitStatus::noDisplay);
+        }
+    });
+    current = this;
+}
+
+EventLoop::~EventLoop() {
+    current = nullptr;
 }
 
 void EventLoop::serve() {
@@ -49,11 +72,15 @@ void EventLoop::serve() {
 }
 
 void EventLoop::endWhenServerIsGone() {
+    reportEnd();
+    QCoreApplication::exit(ExitStatus::noDisplay);
+}
+
+void EventLoop::reportEnd() {
     if (!hasReportedEnd) {
         hasReportedEnd = true;
         complain("Il server X ha chiuso la connessione: Quillon termina");
     }
-    QCoreApplication::exit(ExitStatus::noDisplay);
 }
 
 } // namespace quillon::x11

@@ -14,10 +14,14 @@ class X11Scheduler;
 class EventLoop {
 public:
     EventLoop(Connection& connection, X11Scheduler& scheduler);
+    ~EventLoop();
+    EventLoop(const EventLoop&) = delete;
+    EventLoop& operator=(const EventLoop&) = delete;
 
 private:
     void serve();
     void endWhenServerIsGone();
+    void reportEnd();
 
     Connection& connection;
     X11Scheduler& scheduler;

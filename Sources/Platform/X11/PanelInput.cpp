@@ -1,52 +1,56 @@
 #include "Platform/X11/PanelInput.h"
 
 #include "Platform/X11/Event.h"
+#include "Platform/X11/PointerButtons.h"
 
-#include <array>
 #include <utility>
 
 namespace quillon::x11 {
 
 namespace {
 
-// Button numbers; the wheel's steps are buttons too.
-constexpr xcb_button_t leftButton = 1;
-constexpr xcb_button_t rightButton = 3;
-constexpr xcb_button_t wheelUp = 4;
-constexpr xcb_button_t wheelDown = 5;
-constexpr xcb_button_t wheelRight = 7;
-
 std::uint8_t typeNumber(const xcb_button_press_event_t& event) {
     return eventType(reinterpret_cast<const xcb_generic_event_t&>(event));
-}
-
-bool isWheel(xcb_button_t button) {
-    return button >= wheelUp && button <= wheelRight;
 }
 
 EventType select(xcb_button_t button, EventType left, EventType right, EventType other) {
     return button == leftButton ? left : button == rightButton ? right : other;
 }
 
-ModifierFlags modifierFlags(std::uint16_t state) {
-    constexpr std::array<std::pair<std::uint16_t, ModifierFlags>, 4> modifiers{{
-        {XCB_MOD_MASK_SHIFT, modifierFlagShift},
-        {XCB_MOD_MASK_CONTROL, modifierFlagControl},
-        {XCB_MOD_MASK_1, modifierFlagOption},  // Alt
-        {XCB_MOD_MASK_4, modifierFlagCommand}, // Super
-    }};
-    ModifierFlags flags = 0;
-    for (const auto& [mask, flag] : modifiers) {
-        flags |= (state & mask) != 0 ? flag : 0;
+/// The button that a move drags with; none for a move without one.
+std::optional<xcb_button_t> draggingButton(std::uint16_t state) {
+    for (const auto button : {leftButton, rightButton, middleButton}) {
+        if ((state & stateBit(button)) != 0) {
+            return button;
+        }
     }
-    return flags;
+    return std::nullopt;
+}
+
+void describeStep(PanelEvent& translated, xcb_button_t wheel) {
+    translated.type = EventType::scrollWheel;
+    switch (wheel) {
+    case wheelUp:
+        translated.scrollingDeltaY = 1;
+        break;
+    case wheelDown:
+        translated.scrollingDeltaY = -1;
+        break;
+    case wheelLeft:
+        translated.scrollingDeltaX = 1;
+        break;
+    default:
+        translated.scrollingDeltaX = -1;
+        break;
+    }
 }
 
 } // namespace
 
-PanelInput::PanelInput(Scheduler& scheduler, double scale, std::function<PixelRect()> frame,
-                       std::function<void(const PanelEvent&)> deliver)
-    : scheduler(scheduler), scale(scale), frame(std::move(frame)), deliver(std::move(deliver)) {}
+PanelInput::PanelInput(Connection& connection, Scheduler& scheduler, Keyboard& keyboard,
+                       std::function<PixelRect()> frame, std::function<void(const PanelEvent&)> deliver)
+    : connection(connection), scheduler(scheduler), keyboard(keyboard), frame(std::move(frame)),
+      deliver(std::move(deliver)) {}
 
 void PanelInput::handle(const xcb_generic_event_t& event) {
     const auto type = eventType(event);
@@ -71,45 +75,58 @@ void PanelInput::deliverFirst() {
 }
 
 std::optional<PanelEvent> PanelInput::translate(const xcb_button_press_event_t& event) {
-    const auto type = typeOf(event);
-    if (!type) {
+    const auto type = typeNumber(event);
+    // A step of the wheel is its press.
+    if ((type == XCB_BUTTON_RELEASE && isWheel(event.detail)) ||
+        (type == XCB_MOTION_NOTIFY && !draggingButton(event.state))) {
         return std::nullopt;
     }
     // The panel may have moved since the event: the pointer's place on the screen counts.
     const auto place = frame();
+    const double scale = connection.scale();
     PanelEvent translated;
-    translated.type = *type;
     translated.locationInWindow = {(event.root_x - place.x) / scale, (place.y + place.height - event.root_y) / scale};
-    translated.modifierFlags = modifierFlags(event.state);
-    if (*type == EventType::scrollWheel) {
-        translated.scrollingDeltaY = event.detail == wheelUp ? 1 : event.detail == wheelDown ? -1 : 0;
+    translated.modifierFlags = keyboard.flags(event.state);
+    switch (type) {
+    case XCB_BUTTON_PRESS:
+        describePress(translated, event);
+        break;
+    case XCB_BUTTON_RELEASE:
+        describeRelease(translated, event);
+        break;
+    default:
+        describeMove(translated, event);
+        break;
     }
     return translated;
 }
 
-std::optional<EventType> PanelInput::typeOf(const xcb_button_press_event_t& event) {
-    const auto button = event.detail;
-    switch (typeNumber(event)) {
-    case XCB_BUTTON_PRESS:
-        if (isWheel(button)) {
-            return EventType::scrollWheel;
-        }
-        held.insert(button);
-        return select(button, EventType::leftMouseDown, EventType::rightMouseDown, EventType::otherMouseDown);
-    case XCB_BUTTON_RELEASE:
-        if (isWheel(button)) {
-            return std::nullopt; // a step of the wheel is its press
-        }
-        held.erase(button);
-        return select(button, EventType::leftMouseUp, EventType::rightMouseUp, EventType::otherMouseUp);
-    default:
-        if (held.empty()) {
-            return std::nullopt;
-        }
-        return held.contains(leftButton)    ? EventType::leftMouseDragged
-               : held.contains(rightButton) ? EventType::rightMouseDragged
-                                            : EventType::otherMouseDragged;
+void PanelInput::describePress(PanelEvent& translated, const xcb_button_press_event_t& event) {
+    if (isWheel(event.detail)) {
+        describeStep(translated, event.detail);
+        return;
     }
+    translated.type =
+        select(event.detail, EventType::leftMouseDown, EventType::rightMouseDown, EventType::otherMouseDown);
+    translated.buttonNumber = buttonNumber(event.detail);
+    translated.pressure = 1;
+    translated.clickCount =
+        clicks.press(event.detail, event.time, event.root_x, event.root_y, readClickSettings(connection));
+}
+
+void PanelInput::describeRelease(PanelEvent& translated, const xcb_button_press_event_t& event) const {
+    translated.type = select(event.detail, EventType::leftMouseUp, EventType::rightMouseUp, EventType::otherMouseUp);
+    translated.buttonNumber = buttonNumber(event.detail);
+    translated.clickCount = clicks.release(event.detail);
+}
+
+void PanelInput::describeMove(PanelEvent& translated, const xcb_button_press_event_t& event) {
+    const auto button = *draggingButton(event.state);
+    translated.type =
+        select(button, EventType::leftMouseDragged, EventType::rightMouseDragged, EventType::otherMouseDragged);
+    translated.buttonNumber = buttonNumber(button);
+    translated.pressure = 1;
+    clicks.drag(event.root_x, event.root_y);
 }
 
 } // namespace quillon::x11

@@ -3,12 +3,13 @@
 #include "HeldWeakly.h"
 #include "Platform/Panel.h"
 #include "Platform/Scheduler.h"
+#include "Platform/X11/ClickCounter.h"
 #include "Platform/X11/Connection.h"
+#include "Platform/X11/Keyboard.h"
 
 #include <deque>
 #include <functional>
 #include <optional>
-#include <set>
 
 namespace quillon::x11 {
 
@@ -20,7 +21,7 @@ class PanelInput : private HeldWeakly<PanelInput> {
 
 public:
     /// `frame` gives the panel's rectangle on the root window, in pixels.
-    PanelInput(Scheduler& scheduler, double scale, std::function<PixelRect()> frame,
+    PanelInput(Connection& connection, Scheduler& scheduler, Keyboard& keyboard, std::function<PixelRect()> frame,
                std::function<void(const PanelEvent&)> deliver);
 
     static constexpr std::uint32_t eventMask =
@@ -32,16 +33,18 @@ public:
 private:
     void deliverFirst();
     [[nodiscard]] std::optional<PanelEvent> translate(const xcb_button_press_event_t& event);
-    [[nodiscard]] std::optional<EventType> typeOf(const xcb_button_press_event_t& event);
+    void describePress(PanelEvent& translated, const xcb_button_press_event_t& event);
+    void describeRelease(PanelEvent& translated, const xcb_button_press_event_t& event) const;
+    void describeMove(PanelEvent& translated, const xcb_button_press_event_t& event);
 
+    Connection& connection;
     Scheduler& scheduler;
-    double scale;
+    Keyboard& keyboard;
     std::function<PixelRect()> frame;
     std::function<void(const PanelEvent&)> deliver;
     /// Presses, releases and moves have the same shape.
     std::deque<xcb_button_press_event_t> waiting;
-    /// Buttons that are down, without those of the wheel.
-    std::set<xcb_button_t> held;
+    ClickCounter clicks;
 };
 
 } // namespace quillon::x11

@@ -1,5 +1,7 @@
 #include "Platform/X11/PanelWindow.h"
 
+#include "Platform/X11/WindowManager.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -15,7 +17,6 @@ namespace quillon::x11 {
 
 namespace {
 
-constexpr std::uint32_t allDesktops = 0xffffffff;
 /// A client message comes from an ordinary application.
 constexpr std::uint32_t fromApplication = 1;
 
@@ -154,7 +155,8 @@ void PanelWindow::changeStacking(const PanelStacking& from, const PanelStacking&
         const Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection.xcb(), cookie, nullptr));
         if (reply && reply->format == 32 && xcb_get_property_value_length(reply.get()) == 4) {
             const auto current = *static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
-            askManager("_NET_WM_DESKTOP", {to.onAllDesktops ? allDesktops : current, fromApplication});
+            askManager(connection, window, "_NET_WM_DESKTOP",
+                       {to.onAllDesktops ? allDesktops : current, fromApplication});
         }
     }
 }
@@ -175,19 +177,7 @@ void PanelWindow::setOpacity(double opacity) {
 }
 
 void PanelWindow::changeState(bool add, std::string_view state) {
-    askManager("_NET_WM_STATE", {add ? 1U : 0U, connection.atom(state), 0, fromApplication});
-}
-
-void PanelWindow::askManager(std::string_view message, std::initializer_list<std::uint32_t> data) {
-    xcb_client_message_event_t event{};
-    event.response_type = XCB_CLIENT_MESSAGE;
-    event.format = 32;
-    event.window = window;
-    event.type = connection.atom(message);
-    std::copy(data.begin(), data.end(), event.data.data32);
-    xcb_send_event(connection.xcb(), 0, connection.root(),
-                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-                   reinterpret_cast<const char*>(&event));
+    askManager(connection, window, "_NET_WM_STATE", {add ? 1U : 0U, connection.atom(state), 0, fromApplication});
 }
 
 void PanelWindow::setNumbers(std::string_view property, xcb_atom_t type, std::initializer_list<std::uint32_t> numbers) {
@@ -202,12 +192,8 @@ void PanelWindow::setText(xcb_atom_t property, xcb_atom_t type, std::string_view
 
 bool hasCompositor(Connection& connection) {
     auto* const xcb = connection.xcb();
-    int number = 0;
-    for (auto screens = xcb_setup_roots_iterator(xcb_get_setup(xcb));
-         screens.rem > 0 && screens.data->root != connection.root(); xcb_screen_next(&screens)) {
-        ++number;
-    }
-    const auto cookie = xcb_get_selection_owner(xcb, connection.atom(fmt::format("_NET_WM_CM_S{}", number)));
+    const auto name = fmt::format("_NET_WM_CM_S{}", connection.screenNumber());
+    const auto cookie = xcb_get_selection_owner(xcb, connection.atom(name));
     const Reply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(xcb, cookie, nullptr));
     return reply && reply->owner != XCB_WINDOW_NONE;
 }

@@ -49,7 +49,6 @@ private:
     void setText(xcb_atom_t property, xcb_atom_t type, std::string_view text);
     void writeStacking(const PanelStacking& stacking);
     void changeState(bool add, std::string_view state);
-    void askManager(std::string_view message, std::initializer_list<std::uint32_t> data);
 
     Connection& connection;
     xcb_window_t window;

@@ -15,13 +15,13 @@ constexpr Seconds fadeStep{1.0 / 60};
 
 } // namespace
 
-X11Panel::X11Panel(Connection& connection, Scheduler& scheduler, Screens& screens,
+X11Panel::X11Panel(Connection& connection, Scheduler& scheduler, Screens& screens, Keyboard& keyboard,
                    std::shared_ptr<const PictureFormats> formats, std::shared_ptr<FullScreenWatch> fullScreen,
                    const ScreenRect& frame, PanelDelegate& delegate)
     : connection(connection), scheduler(scheduler), screens(screens), formats(std::move(formats)),
       fullScreen(std::move(fullScreen)), delegate(delegate), requestedFrame(frame),
       input(
-          scheduler, connection.scale(), [this] { return pixelFrame(); },
+          connection, scheduler, keyboard, [this] { return pixelFrame(); },
           [this](const PanelEvent& event) { this->delegate.sendEvent(event); }),
       fullScreenChanges(this->fullScreen->observe([this] { followFullScreen(); })) {}
 
@@ -213,11 +213,12 @@ std::unique_ptr<Panel> X11Panels::makePanel(const ScreenRect& contentRect, Panel
     if (!fullScreen) {
         fullScreen = std::make_shared<FullScreenWatch>(connection);
     }
-    return std::make_unique<X11Panel>(connection, scheduler, screens, formats, fullScreen, contentRect, delegate);
+    return std::make_unique<X11Panel>(connection, scheduler, screens, keyboard, formats, fullScreen, contentRect,
+                                      delegate);
 }
 
-std::unique_ptr<Panels> makePanels(Connection& connection, Scheduler& scheduler, Screens& screens) {
-    return std::make_unique<X11Panels>(connection, scheduler, screens);
+std::unique_ptr<Panels> makePanels(Connection& connection, Scheduler& scheduler, Screens& screens, Keyboard& keyboard) {
+    return std::make_unique<X11Panels>(connection, scheduler, screens, keyboard);
 }
 
 } // namespace quillon::x11

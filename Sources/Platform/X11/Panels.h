@@ -26,7 +26,7 @@ namespace quillon::x11 {
 /// lie over it has an unmanaged window instead. Main thread.
 class X11Panel final : public Panel {
 public:
-    X11Panel(Connection& connection, Scheduler& scheduler, Screens& screens,
+    X11Panel(Connection& connection, Scheduler& scheduler, Screens& screens, Keyboard& keyboard,
              std::shared_ptr<const PictureFormats> formats, std::shared_ptr<FullScreenWatch> fullScreen,
              const ScreenRect& frame, PanelDelegate& delegate);
     ~X11Panel() override;
@@ -83,8 +83,8 @@ private:
 
 class X11Panels final : public Panels {
 public:
-    X11Panels(Connection& connection, Scheduler& scheduler, Screens& screens)
-        : connection(connection), scheduler(scheduler), screens(screens) {}
+    X11Panels(Connection& connection, Scheduler& scheduler, Screens& screens, Keyboard& keyboard)
+        : connection(connection), scheduler(scheduler), screens(screens), keyboard(keyboard) {}
 
     std::unique_ptr<Panel> makePanel(const ScreenRect& contentRect, PanelDelegate& delegate) override;
 
@@ -92,6 +92,7 @@ private:
     Connection& connection;
     Scheduler& scheduler;
     Screens& screens;
+    Keyboard& keyboard;
     // Made with the first panel.
     std::shared_ptr<const PictureFormats> formats;
     std::shared_ptr<FullScreenWatch> fullScreen;

@@ -10,14 +10,18 @@
 
 namespace quillon::x11 {
 
+class ClientWindows;
 class Connection;
+class Keyboard;
 
 // The ports that show windows and capture them. They use the connection as long as they live.
 
 [[nodiscard]] std::unique_ptr<Views> makeViews(Connection& connection);
-/// `scheduler` runs the fade-in; `screens` tells the screen under a panel.
-[[nodiscard]] std::unique_ptr<Panels> makePanels(Connection& connection, Scheduler& scheduler, Screens& screens);
-/// `scheduler` paces the frames.
-[[nodiscard]] std::unique_ptr<ScreenCapture> makeScreenCapture(Connection& connection, Scheduler& scheduler);
+/// `scheduler` runs the fade-in; `screens` tells the screen under a panel, `keyboard` what modifiers mean.
+[[nodiscard]] std::unique_ptr<Panels> makePanels(Connection& connection, Scheduler& scheduler, Screens& screens,
+                                                 Keyboard& keyboard);
+/// `scheduler` paces the frames; `windows` tells what lies over a window.
+[[nodiscard]] std::unique_ptr<ScreenCapture> makeScreenCapture(Connection& connection, Scheduler& scheduler,
+                                                               const ClientWindows& windows);
 
 } // namespace quillon::x11

@@ -2,6 +2,8 @@
 
 #include "Platform/X11/ProgramName.h"
 
+#include <cerrno>
+
 #include <unistd.h>
 
 namespace quillon::x11 {
@@ -10,9 +12,12 @@ ProcessID X11ProcessInfo::processIdentifier() const {
     return getpid();
 }
 
-/// The last generation whose input is forwarded as synthetic events, which X11 can do for every window.
+std::string X11ProcessInfo::processName() const {
+    return program_invocation_short_name;
+}
+
 OperatingSystemVersion X11ProcessInfo::operatingSystemVersion() const {
-    return {26, 0, 0};
+    return {inputRouting == InputRouting::scroll ? 27 : 26, 0, 0};
 }
 
 std::optional<std::string> X11ProcessInfo::bundleIdentifier() const {

@@ -256,6 +256,13 @@ RegistrationToken X11Scheduler::scheduleRepeatingTimer(Seconds interval, Task ta
     return std::make_unique<RepeatingTimer>(interval, std::move(task));
 }
 
+void X11Scheduler::sleep(Seconds duration) {
+    if (mainTasks->isMainThread()) {
+        programmingError("the main thread must not sleep");
+    }
+    std::this_thread::sleep_for(duration);
+}
+
 std::shared_ptr<SerialQueue> X11Scheduler::makeSerialQueue(const std::string& label) {
     return std::make_shared<ThreadQueue>(label);
 }

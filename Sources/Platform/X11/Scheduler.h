@@ -23,6 +23,7 @@ public:
     void mainAsync(Task task) override;
     void mainAfter(Seconds delay, Task task) override;
     [[nodiscard]] RegistrationToken scheduleRepeatingTimer(Seconds interval, Task task) override;
+    void sleep(Seconds duration) override;
     [[nodiscard]] std::shared_ptr<SerialQueue> makeSerialQueue(const std::string& label) override;
 
     /// Runs the main tasks submitted so far; false when there were none. Called by the event loop.

@@ -77,9 +77,9 @@ std::variant<std::shared_ptr<Surface>, CaptureError> takePicture(const SourceWin
 
 } // namespace
 
-X11ScreenCapture::X11ScreenCapture(Connection& connection, Scheduler& scheduler)
+X11ScreenCapture::X11ScreenCapture(Connection& connection, Scheduler& scheduler, const ClientWindows& windows)
     : connection(connection), scheduler(scheduler), serverPause(connection),
-      sources(std::make_shared<SourceWindows>(connection)) {}
+      sources(std::make_shared<SourceWindows>(connection, windows)) {}
 
 void X11ScreenCapture::getShareableContent(bool excludingDesktopWindows, bool onScreenWindowsOnly,
                                            ContentCompletion completion) {
@@ -132,8 +132,9 @@ void X11ScreenCapture::captureImage(const std::shared_ptr<ContentFilter>& filter
     });
 }
 
-std::unique_ptr<ScreenCapture> makeScreenCapture(Connection& connection, Scheduler& scheduler) {
-    return std::make_unique<X11ScreenCapture>(connection, scheduler);
+std::unique_ptr<ScreenCapture> makeScreenCapture(Connection& connection, Scheduler& scheduler,
+                                                 const ClientWindows& windows) {
+    return std::make_unique<X11ScreenCapture>(connection, scheduler, windows);
 }
 
 } // namespace quillon::x11

@@ -17,7 +17,7 @@ namespace quillon::x11 {
 /// handed out has been chosen, and holds its window from then on.
 class X11ScreenCapture final : public ScreenCapture {
 public:
-    X11ScreenCapture(Connection& connection, Scheduler& scheduler);
+    X11ScreenCapture(Connection& connection, Scheduler& scheduler, const ClientWindows& windows);
 
     void getShareableContent(bool excludingDesktopWindows, bool onScreenWindowsOnly,
                              ContentCompletion completion) override;

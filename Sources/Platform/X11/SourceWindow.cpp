@@ -5,6 +5,7 @@
 
 #include <xcb/composite.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace quillon::x11 {
@@ -16,9 +17,20 @@ namespace {
 /// hold its picture back for long.
 constexpr std::chrono::milliseconds timeToRedraw{100};
 
+bool intersect(const PixelRect& one, const PixelRect& other) {
+    return one.x < other.x + other.width && other.x < one.x + one.width && one.y < other.y + other.height &&
+           other.y < one.y + one.height;
+}
+
+bool contains(const PixelRect& outer, const PixelRect& inner) {
+    return inner.x >= outer.x && inner.y >= outer.y && inner.x + inner.width <= outer.x + outer.width &&
+           inner.y + inner.height <= outer.y + outer.height;
+}
+
 } // namespace
 
-SourceWindow::SourceWindow(Connection& connection, xcb_window_t window) : connection(connection), window(window) {
+SourceWindow::SourceWindow(Connection& connection, xcb_window_t window, bool isWhole)
+    : connection(connection), window(window), wasWhole(isWhole) {
     events = connection.observeWindow(window, [this](const auto& event) { handle(event); });
     selection = connection.selectInput(window, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     auto* const xcb = connection.xcb();
@@ -69,7 +81,9 @@ void SourceWindow::attributesArrived(const void* reply) {
     geometry.visual = attributes->visual;
     mapped = attributes->map_state == XCB_MAP_STATE_VIEWABLE;
     if (mapped) {
-        complete = std::chrono::steady_clock::now() + timeToRedraw;
+        if (!wasWhole) {
+            complete = std::chrono::steady_clock::now() + timeToRedraw;
+        }
         namePicture();
     } else {
         becomeKnown();
@@ -182,9 +196,23 @@ std::shared_ptr<SourceWindow> SourceWindows::hold(xcb_window_t window) {
         return alive;
     }
     std::erase_if(held, [](const auto& entry) { return entry.second.expired(); });
-    auto made = std::make_shared<SourceWindow>(connection, window);
+    auto made = std::make_shared<SourceWindow>(connection, window, isWhole(window));
     held[window] = made;
     return made;
+}
+
+/// The window in front usually is. Beneath ordinary windows, whose frames are not known here, none counts as visible.
+bool SourceWindows::isWhole(xcb_window_t window) const {
+    const auto list = windows.list();
+    const auto found = std::ranges::find_if(list, [window](const ClientWindow& each) { return each.window == window; });
+    const auto& screen = connection.screen();
+    if (found == list.end() || !found->isOnScreen ||
+        !contains({0, 0, screen.width_in_pixels, screen.height_in_pixels}, found->bounds)) {
+        return false;
+    }
+    return std::none_of(list.begin(), found, [&](const ClientWindow& over) {
+        return over.isOnScreen && (over.kind == ClientWindow::Kind::ordinary || intersect(over.bounds, found->bounds));
+    });
 }
 
 } // namespace quillon::x11

@@ -2,6 +2,7 @@
 
 #include "Platform/Scheduler.h"
 #include "Platform/X11/CapturedPicture.h"
+#include "Platform/X11/ClientWindows.h"
 #include "Platform/X11/Connection.h"
 
 #include <chrono>
@@ -27,7 +28,8 @@ public:
         std::function<void()> gone;
     };
 
-    SourceWindow(Connection& connection, xcb_window_t window);
+    /// `isWhole` says that all of the window is visible, so that the server has its picture already.
+    SourceWindow(Connection& connection, xcb_window_t window, bool isWhole);
     SourceWindow(const SourceWindow&) = delete;
     SourceWindow& operator=(const SourceWindow&) = delete;
     ~SourceWindow();
@@ -57,6 +59,7 @@ private:
 
     Connection& connection;
     const xcb_window_t window;
+    const bool wasWhole;
     State currentState = State::unknown;
     bool settled = false;
     bool mapped = false;
@@ -79,12 +82,15 @@ private:
 /// The redirected windows, each held once however many records, filters and streams use it. Main thread.
 class SourceWindows {
 public:
-    explicit SourceWindows(Connection& connection) : connection(connection) {}
+    SourceWindows(Connection& connection, const ClientWindows& windows) : connection(connection), windows(windows) {}
 
     [[nodiscard]] std::shared_ptr<SourceWindow> hold(xcb_window_t window);
 
 private:
+    [[nodiscard]] bool isWhole(xcb_window_t window) const;
+
     Connection& connection;
+    const ClientWindows& windows;
     std::unordered_map<xcb_window_t, std::weak_ptr<SourceWindow>> held;
 };
 

@@ -119,7 +119,7 @@ private:
     std::vector<X11Layer*> layers;
     std::vector<X11View*> subviews;
     /// What the delegate drew at `drawnRect`'s size.
-    ViewDrawing drawing;
+    DrawnPicture drawing;
     std::optional<PixelRect> drawnRect;
 };
 

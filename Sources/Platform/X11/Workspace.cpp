@@ -2,7 +2,10 @@
 
 #include "Platform/Scheduler.h"
 #include "Platform/X11/Event.h"
+#include "Platform/X11/FocusKeeper.h"
 #include "Platform/X11/ProcessEnd.h"
+#include "Platform/X11/WindowAccess.h"
+#include "Platform/X11/WindowManager.h"
 
 #include <algorithm>
 #include <utility>
@@ -11,14 +14,17 @@
 
 namespace quillon::x11 {
 
-X11Workspace::X11Workspace(Connection& connection, Scheduler& scheduler, const ClientWindows& windows)
-    : connection(connection), scheduler(scheduler), windows(windows) {}
+X11Workspace::X11Workspace(Connection& connection, Scheduler& scheduler, const ClientWindows& windows,
+                           const WindowAccess& access, FocusKeeper& focusKeeper)
+    : connection(connection), scheduler(scheduler), windows(windows), access(access), focusKeeper(focusKeeper) {}
 
 X11Workspace::~X11Workspace() = default;
 
 std::optional<RunningApplication> X11Workspace::frontmostApplication() const {
-    const auto active = windows.activeWindow();
-    const auto window = active ? windows.describe(*active) : std::nullopt;
+    const auto window = access.with([](const Connection&, const ClientWindows& any) {
+        const auto active = any.activeWindow();
+        return active ? any.describe(*active) : std::nullopt;
+    });
     if (!window || !window->owner) {
         return std::nullopt;
     }
@@ -40,6 +46,25 @@ std::optional<RunningApplication> X11Workspace::runningApplication(ProcessID pid
         }
     }
     return RunningApplication{pid, processName(pid)};
+}
+
+void X11Workspace::activateApplication(ProcessID pid) {
+    const auto isOrdinary = [pid](const ClientWindow& window) {
+        return window.owner == pid && window.kind == ClientWindow::Kind::ordinary;
+    };
+    // Front to back, minimised ones too.
+    const auto all = windows.list();
+    const auto raised = connection.takeRaisedWindow();
+    auto front = std::find_if(all.begin(), all.end(),
+                              [&](const auto& window) { return window.window == raised && isOrdinary(window); });
+    if (front == all.end()) {
+        front = std::find_if(all.begin(), all.end(), isOrdinary);
+    }
+    if (front != all.end()) {
+        focusKeeper.userSwitches();
+        activate(connection, front->window);
+        connection.flush();
+    }
 }
 
 RegistrationToken X11Workspace::observeDidActivateApplication(ApplicationCallback callback) {

@@ -15,18 +15,22 @@ class Scheduler;
 
 namespace quillon::x11 {
 
+class FocusKeeper;
 class ProcessEnd;
+class WindowAccess;
 
 /// Applications are the processes that own windows. An application is frontmost while one of its windows is the
 /// window manager's active window; between two active windows there may be none for a moment, which is not a
 /// change by itself.
 class X11Workspace final : public Workspace {
 public:
-    X11Workspace(Connection& connection, Scheduler& scheduler, const ClientWindows& windows);
+    X11Workspace(Connection& connection, Scheduler& scheduler, const ClientWindows& windows, const WindowAccess& access,
+                 FocusKeeper& focusKeeper);
     ~X11Workspace() override;
 
     [[nodiscard]] std::optional<RunningApplication> frontmostApplication() const override;
     [[nodiscard]] std::optional<RunningApplication> runningApplication(ProcessID pid) const override;
+    void activateApplication(ProcessID pid) override;
     [[nodiscard]] RegistrationToken observeDidActivateApplication(ApplicationCallback callback) override;
     [[nodiscard]] RegistrationToken observeDidTerminateApplication(ApplicationCallback callback) override;
 
@@ -51,6 +55,8 @@ private:
     Connection& connection;
     Scheduler& scheduler;
     const ClientWindows& windows;
+    const WindowAccess& access;
+    FocusKeeper& focusKeeper;
     Handlers<int, const std::optional<RunningApplication>&> observers;
 
     RegistrationToken rootSelection;

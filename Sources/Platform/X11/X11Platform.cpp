@@ -4,14 +4,20 @@
 
 namespace quillon::x11 {
 
-X11Platform::X11Platform(std::unique_ptr<Connection> openConnection, RemoteControl* remoteControl)
-    : connection(std::move(openConnection)), eventLoop(*connection, schedulerPort), eventAccessPort(*connection),
-      clientWindows(*connection), accessibilityPort(*connection, clientWindows),
-      screensPort(*connection, schedulerPort, notificationCenterPort, clientWindows),
-      windowServerPort(*connection, clientWindows), workspacePort(*connection, schedulerPort, clientWindows),
+X11Platform::X11Platform(std::unique_ptr<Connection> openConnection, RemoteControl* remoteControl,
+                         InputRouting inputRouting)
+    : connection(std::move(openConnection)), processInfoPort(inputRouting), eventLoop(*connection, schedulerPort),
+      eventAccessPort(*connection), keyboard(*connection, schedulerPort), clientWindows(*connection),
+      windowAccess(*connection, clientWindows), focusKeeper(*connection, schedulerPort, clientWindows),
+      accessibilityPort(windowAccess), screensPort(*connection, schedulerPort, notificationCenterPort, clientWindows),
+      windowServerPort(windowAccess),
+      workspacePort(*connection, schedulerPort, clientWindows, windowAccess, focusKeeper),
       applicationPort(remoteControl), viewsPort(makeViews(*connection)),
-      panelsPort(makePanels(*connection, schedulerPort, screensPort)),
-      screenCapturePort(makeScreenCapture(*connection, schedulerPort)) {
+      panelsPort(makePanels(*connection, schedulerPort, screensPort, keyboard)),
+      screenCapturePort(makeScreenCapture(*connection, schedulerPort, clientWindows)),
+      eventTapsPort(makeEventTaps(*connection, schedulerPort, keyboard)),
+      statusBarPort(makeStatusBar(*connection, schedulerPort)),
+      syntheticEventsPort(*connection, schedulerPort, keyboard, focusKeeper) {
     userDefaultsPort.watchFile();
 }
 

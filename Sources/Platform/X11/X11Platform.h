@@ -7,13 +7,18 @@
 #include "Platform/X11/ClientWindows.h"
 #include "Platform/X11/Clock.h"
 #include "Platform/X11/Connection.h"
+#include "Platform/X11/DesktopPorts.h"
 #include "Platform/X11/EventAccess.h"
 #include "Platform/X11/EventLoop.h"
 #include "Platform/X11/FileSystem.h"
+#include "Platform/X11/FocusKeeper.h"
+#include "Platform/X11/Keyboard.h"
 #include "Platform/X11/ProcessInfo.h"
 #include "Platform/X11/Scheduler.h"
 #include "Platform/X11/Screens.h"
+#include "Platform/X11/SyntheticEvents.h"
 #include "Platform/X11/UserDefaults.h"
+#include "Platform/X11/WindowAccess.h"
 #include "Platform/X11/WindowServer.h"
 #include "Platform/X11/Workspace.h"
 
@@ -25,21 +30,27 @@ class RemoteControl;
 class X11Platform final : public Platform {
 public:
     /// `remoteControl` carries the commands of scripts and must outlive the platform; null when there is none.
-    explicit X11Platform(std::unique_ptr<Connection> connection, RemoteControl* remoteControl = nullptr);
+    explicit X11Platform(std::unique_ptr<Connection> connection, RemoteControl* remoteControl = nullptr,
+                         InputRouting inputRouting = InputRouting::forward);
     ~X11Platform() override;
 
     X11Application* sharedApplication() override { return &applicationPort; }
 
     Accessibility& accessibility() override { return accessibilityPort; }
+    Bundle& bundle() override { return *bundlePort; }
     Clock& clock() override { return clockPort; }
     EventAccess& eventAccess() override { return eventAccessPort; }
+    EventTaps& eventTaps() override { return *eventTapsPort; }
     FileSystem& fileSystem() override { return fileSystemPort; }
+    Images& images() override { return *imagesPort; }
     NotificationCenter& notificationCenter() override { return notificationCenterPort; }
     Panels& panels() override { return *panelsPort; }
     ProcessInfo& processInfo() override { return processInfoPort; }
     Scheduler& scheduler() override { return schedulerPort; }
     ScreenCapture& screenCapture() override { return *screenCapturePort; }
     Screens& screens() override { return screensPort; }
+    StatusBar& statusBar() override { return *statusBarPort; }
+    SyntheticEvents& syntheticEvents() override { return syntheticEventsPort; }
     UserDefaults& userDefaults() override { return userDefaultsPort; }
     Views& views() override { return *viewsPort; }
     WindowServer& windowServer() override { return windowServerPort; }
@@ -58,7 +69,10 @@ private:
     X11Scheduler schedulerPort;
     EventLoop eventLoop;
     X11EventAccess eventAccessPort;
+    Keyboard keyboard;
     ClientWindows clientWindows;
+    WindowAccess windowAccess;
+    FocusKeeper focusKeeper;
     X11Accessibility accessibilityPort;
     X11Screens screensPort;
     X11WindowServer windowServerPort;
@@ -67,6 +81,11 @@ private:
     std::unique_ptr<Views> viewsPort;
     std::unique_ptr<Panels> panelsPort;
     std::unique_ptr<ScreenCapture> screenCapturePort;
+    std::unique_ptr<Bundle> bundlePort = makeBundle();
+    std::unique_ptr<Images> imagesPort = makeImages();
+    std::unique_ptr<EventTaps> eventTapsPort;
+    std::unique_ptr<StatusBar> statusBarPort;
+    X11SyntheticEvents syntheticEventsPort;
 };
 
 } // namespace quillon::x11

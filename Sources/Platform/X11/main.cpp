@@ -1,5 +1,6 @@
 #include "CommandLine.h"
 #include "ExitStatus.h"
+#include "Platform/X11/QtApplication.h"
 #include "Platform/X11/RemoteControl.h"
 #include "Platform/X11/StandardError.h"
 #include "Platform/X11/UserDefaults.h"
@@ -8,12 +9,13 @@
 #include "PropertyText.h"
 #include "QuillonApp.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 
 #include <fmt/format.h>
 
 #include <cerrno>
 #include <cstring>
+#include <optional>
 
 #include <fcntl.h>
 #include <signal.h>
@@ -60,45 +62,34 @@ int show(const ScriptReply& reply) {
     return reply.exitStatus;
 }
 
-/// The library's own messages are for its developers; only what stops the program is worth a line.
-void passOnFatalMessages(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text) {
-    if (type == QtFatalMsg) {
-        complain(text.toStdString());
-    }
-}
-
-/// Qt's core application with the event dispatcher that is not GLib's, which costs memory and time at every turn.
-std::unique_ptr<QCoreApplication> makeCoreApplication(int& argumentCount, char** arguments) {
-    qInstallMessageHandler(passOnFatalMessages);
-    qputenv("QT_NO_GLIB", "1");
-    return std::make_unique<QCoreApplication>(argumentCount, arguments);
-}
-
 class Program {
 public:
-    Program(int& argumentCount, char** arguments) : argumentCount(argumentCount), arguments(arguments) {}
-
-    int operator()(const CommandLine::Run&) const {
-        const auto application = makeCoreApplication(argumentCount, arguments);
-        RemoteControl remoteControl;
-        if (!remoteControl.hasBus()) {
-            complain("Nessun bus di sessione D-Bus: niente comandi e nessun controllo di altre istanze "
-                     "(dbus-run-session ne avvia uno)");
-            return runOnDisplay(nullptr);
+    int operator()(const CommandLine::Run& request) const {
+        if (const auto reply = reopenRunningProgram()) {
+            return show(*reply);
         }
-        // The program that holds the name may end between the two calls.
-        constexpr int mostAttempts = 5;
-        for (int attempt = 0; attempt < mostAttempts; ++attempt) {
-            if (remoteControl.acquire()) {
-                return runOnDisplay(&remoteControl);
+        return onDisplay([&request](std::unique_ptr<Connection> connection) {
+            const auto application = makeApplication();
+            RemoteControl remoteControl;
+            if (!remoteControl.hasBus()) {
+                complain("Nessun bus di sessione D-Bus: niente comandi e nessun controllo di altre istanze "
+                         "(dbus-run-session ne avvia uno)");
+                return run(request, std::move(connection), nullptr);
             }
-            const auto reply = remoteControl.reopen();
-            if (reply.exitStatus != ExitStatus::notRunning) {
-                return show(reply);
+            // The program that holds the name may end between the two calls.
+            constexpr int mostAttempts = 5;
+            for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+                if (remoteControl.acquire()) {
+                    return run(request, std::move(connection), &remoteControl);
+                }
+                const auto reply = remoteControl.reopen();
+                if (reply.exitStatus != ExitStatus::notRunning) {
+                    return show(reply);
+                }
             }
-        }
-        complain("Impossibile registrare Quillon sul bus di sessione D-Bus");
-        return ExitStatus::failure;
+            complain("Impossibile registrare Quillon sul bus di sessione D-Bus");
+            return ExitStatus::failure;
+        });
     }
 
     int operator()(const CommandLine::ShowHelp&) const { return show(CommandLine::helpText()); }
@@ -106,14 +97,17 @@ public:
     int operator()(const CommandLine::ShowVersion&) const { return show("Quillon " QUILLON_VERSION "\n"); }
 
     int operator()(const CommandLine::ListWindows&) const {
-        const auto application = makeCoreApplication(argumentCount, arguments);
+        const auto application = makeCoreApplication();
         const auto runningProgram = RemoteControl().runningProcess();
-        return onDisplay(nullptr,
-                         [&](X11Platform& platform) { return show(pinnableWindowsText(platform, runningProgram)); });
+        return onDisplay([&](std::unique_ptr<Connection> connection) {
+            X11Platform platform(std::move(connection));
+            const PlatformScope scope(platform);
+            return show(pinnableWindowsText(platform, runningProgram));
+        });
     }
 
     int operator()(const CommandLine::Script& request) const {
-        const auto application = makeCoreApplication(argumentCount, arguments);
+        const auto application = makeCoreApplication();
         return show(RemoteControl().perform(request.command));
     }
 
@@ -123,7 +117,7 @@ public:
             complain(fmt::format("Nessun valore per «{}»", request.key));
             return ExitStatus::failure;
         }
-        return show(propertyText(*value) + "\n");
+        return show(quillon::propertyText(*value) + "\n");
     }
 
     int operator()(const CommandLine::WriteDefault& request) const {
@@ -144,28 +138,39 @@ public:
     }
 
 private:
-    /// Installs the platform on the display that the environment names.
+    /// A second start only passes the word on, for which it needs neither a display nor what shows menus. None when no
+    /// program runs.
+    static std::optional<ScriptReply> reopenRunningProgram() {
+        const auto application = makeCoreApplication();
+        const RemoteControl remoteControl;
+        // Qt holds back what arrives on the bus until the application that made the connection has turned its loop
+        // once; the next application uses the same connection.
+        QCoreApplication::processEvents();
+        if (!remoteControl.runningProcess()) {
+            return std::nullopt;
+        }
+        auto reply = remoteControl.reopen();
+        return reply.exitStatus != ExitStatus::notRunning ? std::optional(std::move(reply)) : std::nullopt;
+    }
+
+    /// Does the action with a connection to the display that the environment names.
     template <class Action>
-    static int onDisplay(RemoteControl* remoteControl, Action action) {
+    static int onDisplay(Action action) {
         auto opened = Connection::open();
         if (const auto* problem = std::get_if<std::string>(&opened)) {
             complain(*problem);
             return ExitStatus::noDisplay;
         }
-        X11Platform platform(std::move(std::get<std::unique_ptr<Connection>>(opened)), remoteControl);
+        return action(std::move(std::get<std::unique_ptr<Connection>>(opened)));
+    }
+
+    static int run(const CommandLine::Run& request, std::unique_ptr<Connection> connection,
+                   RemoteControl* remoteControl) {
+        X11Platform platform(std::move(connection), remoteControl, request.inputRouting);
         const PlatformScope scope(platform);
-        return action(platform);
+        const int status = runQuillonApp();
+        return status != ExitStatus::success ? status : platform.sharedApplication()->exitStatus();
     }
-
-    static int runOnDisplay(RemoteControl* remoteControl) {
-        return onDisplay(remoteControl, [](X11Platform& platform) {
-            const int status = runQuillonApp();
-            return status != ExitStatus::success ? status : platform.sharedApplication()->exitStatus();
-        });
-    }
-
-    int& argumentCount;
-    char** arguments;
 };
 
 } // namespace
@@ -178,5 +183,5 @@ int main(int argumentCount, char** arguments) {
     // A reader that has gone shows as a failed write.
     signal(SIGPIPE, SIG_IGN);
     const auto request = CommandLine::parse({arguments + std::min(argumentCount, 1), arguments + argumentCount});
-    return std::visit(x11::Program(argumentCount, arguments), request);
+    return std::visit(x11::Program(), request);
 }

@@ -1,5 +1,6 @@
 #include "Platform/Application.h"
 
+#include "Platform/macOS/NativeMenu.h"
 #include "Platform/macOS/Ports.h"
 
 #import <AppKit/AppKit.h>
@@ -59,6 +60,7 @@ public:
     void setActivationPolicy(ActivationPolicy policy) override {
         [application setActivationPolicy:toActivationPolicy(policy)];
     }
+    void setMainMenu(std::shared_ptr<Menu> menu) override { application.mainMenu = makeNativeMenu(std::move(menu)); }
     void run() override { [application run]; }
     void terminate() override { [application terminate:nil]; }
 

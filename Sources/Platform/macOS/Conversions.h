@@ -22,6 +22,11 @@ inline std::optional<std::string> toOptionalString(NSString* _Nullable text) {
     return text != nil ? std::optional(toString(text)) : std::nullopt;
 }
 
+/// None when the value is missing or no text.
+inline std::optional<std::string> toText(id _Nullable value) {
+    return [value isKindOfClass:[NSString class]] ? toOptionalString(value) : std::nullopt;
+}
+
 /// Nil when the text is not valid UTF-8.
 inline NSString* _Nullable toNSStringIfValid(std::string_view text) {
     return [[NSString alloc] initWithBytes:text.data() length:text.size() encoding:NSUTF8StringEncoding];

@@ -11,34 +11,36 @@ namespace quillon::macos {
 
 namespace {
 
-/// None for events that are no input of the panel's (keys, AppKit's own); only those of a type that the port
-/// lists have a location.
+/// Presses, releases and drags: what has a click count, a pressure and a button.
+constexpr NSEventMask buttonEvents = NSEventMaskLeftMouseDown | NSEventMaskLeftMouseUp | NSEventMaskLeftMouseDragged |
+                                     NSEventMaskRightMouseDown | NSEventMaskRightMouseUp |
+                                     NSEventMaskRightMouseDragged | NSEventMaskOtherMouseDown |
+                                     NSEventMaskOtherMouseUp | NSEventMaskOtherMouseDragged;
+
+/// The types that the port lists.
+constexpr NSEventMask pointerEvents =
+    buttonEvents | NSEventMaskMouseMoved | NSEventMaskMouseEntered | NSEventMaskMouseExited | NSEventMaskScrollWheel;
+
+/// None for events that are no input of the panel's (keys, AppKit's own); those need not have a location.
 std::optional<PanelEvent> toPanelEvent(NSEvent* event) {
-    switch (event.type) {
-    case NSEventTypeLeftMouseDown:
-    case NSEventTypeLeftMouseUp:
-    case NSEventTypeRightMouseDown:
-    case NSEventTypeRightMouseUp:
-    case NSEventTypeMouseMoved:
-    case NSEventTypeLeftMouseDragged:
-    case NSEventTypeRightMouseDragged:
-    case NSEventTypeMouseEntered:
-    case NSEventTypeMouseExited:
-    case NSEventTypeScrollWheel:
-    case NSEventTypeOtherMouseDown:
-    case NSEventTypeOtherMouseUp:
-    case NSEventTypeOtherMouseDragged:
-        break;
-    default:
+    const NSEventMask type = NSEventMaskFromType(event.type);
+    if ((type & pointerEvents) == 0) {
         return std::nullopt;
     }
     PanelEvent result;
     result.type = static_cast<EventType>(event.type);
     result.locationInWindow = {event.locationInWindow.x, event.locationInWindow.y};
     result.modifierFlags = event.modifierFlags;
-    // AppKit raises an exception when another event is asked for it.
-    if (event.type == NSEventTypeScrollWheel) {
+    // AppKit raises an exception when an event is asked for what its type does not have.
+    if (type == NSEventMaskScrollWheel) {
+        result.scrollingDeltaX = event.scrollingDeltaX;
         result.scrollingDeltaY = event.scrollingDeltaY;
+        result.hasPreciseScrollingDeltas = event.hasPreciseScrollingDeltas;
+    }
+    if ((type & buttonEvents) != 0) {
+        result.clickCount = event.clickCount;
+        result.pressure = event.pressure;
+        result.buttonNumber = event.buttonNumber;
     }
     return result;
 }

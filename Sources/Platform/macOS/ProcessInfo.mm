@@ -13,6 +13,8 @@ class MacProcessInfo final : public ProcessInfo {
 public:
     ProcessID processIdentifier() const override { return NSProcessInfo.processInfo.processIdentifier; }
 
+    std::string processName() const override { return toString(NSProcessInfo.processInfo.processName); }
+
     OperatingSystemVersion operatingSystemVersion() const override {
         const NSOperatingSystemVersion version = NSProcessInfo.processInfo.operatingSystemVersion;
         return {static_cast<int>(version.majorVersion), static_cast<int>(version.minorVersion),

@@ -2,8 +2,11 @@
 
 #include "Platform/macOS/NativeQueue.h"
 #include "Platform/macOS/Ports.h"
+#include "ProgrammingError.h"
 
 #import <Foundation/Foundation.h>
+
+#include <thread>
 
 namespace quillon::macos {
 
@@ -61,6 +64,13 @@ public:
 
     RegistrationToken scheduleRepeatingTimer(Seconds interval, Task task) override {
         return std::make_unique<RepeatingTimer>(interval, std::move(task));
+    }
+
+    void sleep(Seconds duration) override {
+        if (NSThread.isMainThread) {
+            programmingError("the main thread must not sleep");
+        }
+        std::this_thread::sleep_for(duration);
     }
 
     std::shared_ptr<SerialQueue> makeSerialQueue(const std::string& label) override {

@@ -3,10 +3,14 @@
 set(quillon_macos_sources
     Accessibility.mm
     Application.mm
+    Bundle.mm
     Clock.mm
     EventAccess.mm
+    EventTaps.mm
     FileSystem.mm
+    Images.mm
     MacPlatform.mm
+    NativeMenu.mm
     NotificationCenter.mm
     Observation.mm
     Panels.mm
@@ -14,6 +18,8 @@ set(quillon_macos_sources
     Scheduler.mm
     ScreenCapture.mm
     Screens.mm
+    StatusBar.mm
+    SyntheticEvents.mm
     UserDefaults.mm
     Views.mm
     WindowServer.mm

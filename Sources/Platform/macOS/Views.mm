@@ -1,44 +1,13 @@
 #include "Platform/Views.h"
 
 #include "Platform/macOS/Conversions.h"
+#include "Platform/macOS/CurrentContext.h"
 #include "Platform/macOS/LayerContents.h"
 #include "Platform/macOS/NativeView.h"
 #include "Platform/macOS/Ports.h"
 
 #import <AppKit/AppKit.h>
 #import <QuartzCore/QuartzCore.h>
-
-namespace quillon::macos {
-
-namespace {
-
-NSColor* toNSColor(GrayColor color) {
-    return [NSColor colorWithWhite:color.white alpha:color.alpha];
-}
-
-class MacDrawingContext final : public DrawingContext {
-public:
-    void fillRoundedRectangle(const WindowRect& rect, double cornerRadius, GrayColor color) override {
-        [toNSColor(color) setFill];
-        [[NSBezierPath bezierPathWithRoundedRect:toNSRect(rect) xRadius:cornerRadius yRadius:cornerRadius] fill];
-    }
-
-    void strokeSegments(std::span<const LineSegment> segments, double lineWidth, GrayColor color) override {
-        NSBezierPath* const path = [NSBezierPath bezierPath];
-        for (const auto& segment : segments) {
-            [path moveToPoint:toNSPoint(segment.from)];
-            [path lineToPoint:toNSPoint(segment.to)];
-        }
-        path.lineWidth = lineWidth;
-        path.lineCapStyle = NSLineCapStyleRound;
-        [toNSColor(color) setStroke];
-        [path stroke];
-    }
-};
-
-} // namespace
-
-} // namespace quillon::macos
 
 @interface QuillonView : NSView
 /// Null once the port's view is gone.
@@ -61,7 +30,7 @@ public:
 
 - (void)drawRect:(NSRect)dirtyRect {
     if (self.viewDelegate != nullptr) {
-        quillon::macos::MacDrawingContext context;
+        quillon::macos::CurrentContext<quillon::DrawingContext> context;
         self.viewDelegate->draw(context);
     }
 }

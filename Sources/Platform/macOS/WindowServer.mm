@@ -22,10 +22,6 @@ std::optional<Integer> toInteger(id value) {
     return std::in_range<Integer>(number) ? std::optional(static_cast<Integer>(number)) : std::nullopt;
 }
 
-std::optional<std::string> toText(id value) {
-    return [value isKindOfClass:[NSString class]] ? toOptionalString(value) : std::nullopt;
-}
-
 /// None when the value is no dictionary of numbers.
 std::optional<WindowBoundsEntry> toBounds(id value) {
     if (![value isKindOfClass:[NSDictionary class]]) {

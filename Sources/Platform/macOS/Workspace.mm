@@ -25,10 +25,22 @@ std::optional<RunningApplication> applicationOf(NSNotification* notification) {
 class MacWorkspace final : public Workspace {
 public:
     std::optional<RunningApplication> frontmostApplication() const override {
-        return toRunningApplication(workspace.frontmostApplication);
+        if (NSThread.isMainThread) {
+            return toRunningApplication(workspace.frontmostApplication);
+        }
+        // Apple calls the list of running applications safe on any thread, but says nothing of this property, which
+        // changes with the main run loop. The main thread never waits for another one.
+        __block std::optional<RunningApplication> result;
+        dispatch_sync(dispatch_get_main_queue(), ^{
+            result = toRunningApplication(workspace.frontmostApplication);
+        });
+        return result;
     }
     std::optional<RunningApplication> runningApplication(ProcessID pid) const override {
         return toRunningApplication([NSRunningApplication runningApplicationWithProcessIdentifier:pid]);
+    }
+    void activateApplication(ProcessID pid) override {
+        [[NSRunningApplication runningApplicationWithProcessIdentifier:pid] activateWithOptions:0];
     }
     RegistrationToken observeDidActivateApplication(ApplicationCallback callback) override {
         return observeApplications(NSWorkspaceDidActivateApplicationNotification, std::move(callback));

@@ -1,4 +1,5 @@
-// The application, windows, panels, views, drawing, events, screens and running applications.
+// The application, menus, the status bar, windows, panels, views, drawing, images, events, screens and running
+// applications.
 #pragma once
 
 #include <Foundation/Foundation.h>
@@ -8,6 +9,8 @@ NS_ASSUME_NONNULL_BEGIN
 @class CALayer;
 @class NSApplication;
 @class NSEvent;
+@class NSImage;
+@class NSMenu;
 @class NSScreen;
 @class NSView;
 @protocol NSWindowDelegate;
@@ -32,8 +35,25 @@ typedef NS_ENUM(NSUInteger, NSEventType) {
     NSEventTypeOtherMouseDragged = 27,
 };
 typedef NS_OPTIONS(unsigned long long, NSEventMask) {
+    NSEventMaskLeftMouseDown = 1ULL << NSEventTypeLeftMouseDown,
+    NSEventMaskLeftMouseUp = 1ULL << NSEventTypeLeftMouseUp,
+    NSEventMaskRightMouseDown = 1ULL << NSEventTypeRightMouseDown,
+    NSEventMaskRightMouseUp = 1ULL << NSEventTypeRightMouseUp,
+    NSEventMaskMouseMoved = 1ULL << NSEventTypeMouseMoved,
+    NSEventMaskLeftMouseDragged = 1ULL << NSEventTypeLeftMouseDragged,
+    NSEventMaskRightMouseDragged = 1ULL << NSEventTypeRightMouseDragged,
+    NSEventMaskMouseEntered = 1ULL << NSEventTypeMouseEntered,
+    NSEventMaskMouseExited = 1ULL << NSEventTypeMouseExited,
+    NSEventMaskKeyDown = 1ULL << NSEventTypeKeyDown,
+    NSEventMaskScrollWheel = 1ULL << NSEventTypeScrollWheel,
+    NSEventMaskOtherMouseDown = 1ULL << NSEventTypeOtherMouseDown,
+    NSEventMaskOtherMouseUp = 1ULL << NSEventTypeOtherMouseUp,
+    NSEventMaskOtherMouseDragged = 1ULL << NSEventTypeOtherMouseDragged,
     NSEventMaskAny = NSUIntegerMax,
 };
+inline NSEventMask NSEventMaskFromType(NSEventType type) {
+    return 1ULL << type;
+}
 typedef NS_OPTIONS(NSUInteger, NSEventModifierFlags) {
     NSEventModifierFlagShift = 1 << 17,
     NSEventModifierFlagControl = 1 << 18,
@@ -42,14 +62,25 @@ typedef NS_OPTIONS(NSUInteger, NSEventModifierFlags) {
 };
 
 @interface NSEvent : NSObject <NSCopying>
+@property(class, readonly) NSPoint mouseLocation;
++ (nullable id)addLocalMonitorForEventsMatchingMask:(NSEventMask)mask
+                                            handler:(NSEvent* _Nullable (^)(NSEvent* event))block;
 @property(readonly) NSEventType type;
 @property(readonly) NSEventModifierFlags modifierFlags;
 @property(readonly) NSPoint locationInWindow;
+@property(readonly) NSInteger clickCount;
+@property(readonly) NSInteger buttonNumber;
+@property(readonly) float pressure;
+@property(readonly) BOOL hasPreciseScrollingDeltas;
+@property(readonly) CGFloat scrollingDeltaX;
 @property(readonly) CGFloat scrollingDeltaY;
+@property(readonly) NSInteger windowNumber;
+@property(readonly) unsigned short keyCode;
 @end
 
 @interface NSResponder : NSObject
 - (void)mouseDown:(NSEvent*)event;
+- (void)selectAll:(nullable id)sender;
 @end
 
 typedef NS_ENUM(NSInteger, NSApplicationActivationPolicy) {
@@ -68,6 +99,7 @@ typedef NS_ENUM(NSInteger, NSApplicationActivationPolicy) {
 @interface NSApplication : NSResponder
 @property(class, readonly, strong) __kindof NSApplication* sharedApplication;
 @property(nullable, weak) id<NSApplicationDelegate> delegate;
+@property(nullable, strong) NSMenu* mainMenu;
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)activationPolicy;
 - (void)finishLaunching;
 - (void)run;
@@ -82,6 +114,7 @@ typedef NS_ENUM(NSInteger, NSApplicationActivationPolicy) {
 
 @interface NSColor : NSObject <NSCopying>
 @property(class, strong, readonly) NSColor* clearColor;
+@property(class, strong, readonly) NSColor* systemRedColor;
 + (NSColor*)colorWithWhite:(CGFloat)white alpha:(CGFloat)alpha;
 + (NSColor*)colorWithHue:(CGFloat)hue
               saturation:(CGFloat)saturation
@@ -110,6 +143,58 @@ typedef NS_ENUM(NSUInteger, NSLineCapStyle) {
 - (void)stroke;
 @end
 
+typedef NSString* NSAppearanceName;
+extern "C" {
+extern NSAppearanceName const NSAppearanceNameAqua;
+extern NSAppearanceName const NSAppearanceNameDarkAqua;
+}
+
+@interface NSAppearance : NSObject
+@property(class, readonly, strong) NSAppearance* currentDrawingAppearance API_AVAILABLE(macos(11.0));
+- (nullable NSAppearanceName)bestMatchFromAppearancesWithNames:(NSArray<NSAppearanceName>*)appearances;
+@end
+
+typedef CGFloat NSFontWeight;
+extern "C" {
+extern const NSFontWeight NSFontWeightRegular;
+extern const NSFontWeight NSFontWeightSemibold;
+}
+
+typedef NS_ENUM(NSUInteger, NSCompositingOperation) {
+    NSCompositingOperationClear,
+    NSCompositingOperationCopy,
+    NSCompositingOperationSourceOver,
+};
+typedef NS_ENUM(NSUInteger, NSImageCacheMode) {
+    NSImageCacheDefault,
+    NSImageCacheAlways,
+    NSImageCacheBySize,
+    NSImageCacheNever,
+};
+
+API_AVAILABLE(macos(11.0))
+@interface NSImageSymbolConfiguration : NSObject <NSCopying>
++ (instancetype)configurationWithPointSize:(CGFloat)pointSize weight:(NSFontWeight)weight;
++ (instancetype)configurationWithPaletteColors:(NSArray<NSColor*>*)paletteColors API_AVAILABLE(macos(12.0));
+- (instancetype)configurationByApplyingConfiguration:(NSImageSymbolConfiguration*)configuration
+    API_AVAILABLE(macos(12.0));
+@end
+
+@interface NSImage : NSObject
++ (nullable instancetype)imageWithSystemSymbolName:(NSString*)name
+                          accessibilityDescription:(nullable NSString*)description API_AVAILABLE(macos(11.0));
++ (instancetype)imageWithSize:(NSSize)size
+                      flipped:(BOOL)drawingHandlerShouldBeCalledWithFlippedContext
+               drawingHandler:(BOOL (^)(NSRect dstRect))drawingHandler;
+@property NSSize size;
+@property NSImageCacheMode cacheMode;
+// Apple's headers declare it as a property for other languages than C++, where its name is a keyword.
+- (BOOL)isTemplate;
+- (void)setTemplate:(BOOL)isTemplate;
+- (nullable NSImage*)imageWithSymbolConfiguration:(NSImageSymbolConfiguration*)configuration API_AVAILABLE(macos(11.0));
+- (void)drawInRect:(NSRect)rect fromRect:(NSRect)fromRect operation:(NSCompositingOperation)op fraction:(CGFloat)delta;
+@end
+
 @protocol NSAnimatablePropertyContainer
 - (instancetype)animator;
 @end
@@ -133,6 +218,8 @@ typedef NS_OPTIONS(NSUInteger, NSAutoresizingMaskOptions) {
 @property(nullable, strong) CALayer* layer;
 @property BOOL needsDisplay;
 @property BOOL needsLayout;
+@property(getter=isFlipped, readonly) BOOL flipped;
+@property(nullable, copy) NSString* toolTip;
 - (void)setFrameSize:(NSSize)newSize;
 - (void)addSubview:(NSView*)view;
 - (void)removeFromSuperview;
@@ -140,6 +227,76 @@ typedef NS_OPTIONS(NSUInteger, NSAutoresizingMaskOptions) {
 - (void)layout;
 - (void)layoutSubtreeIfNeeded;
 - (BOOL)acceptsFirstMouse:(nullable NSEvent*)event;
+@end
+
+@interface NSText : NSView
+- (void)cut:(nullable id)sender;
+- (void)copy:(nullable id)sender;
+- (void)paste:(nullable id)sender;
+@end
+
+@interface NSScrollView : NSView
+@property(nullable, strong) __kindof NSView* documentView;
+@property BOOL hasVerticalScroller;
+@property BOOL automaticallyAdjustsContentInsets;
+@end
+
+@interface NSControl : NSView
+@end
+
+@interface NSButton : NSControl
+@property(copy) NSString* title;
+@property(nullable, strong) NSImage* image;
+@end
+
+typedef NSInteger NSControlStateValue;
+static const NSControlStateValue NSControlStateValueOff = 0;
+static const NSControlStateValue NSControlStateValueOn = 1;
+
+@interface NSMenuItem : NSObject <NSCopying>
++ (NSMenuItem*)separatorItem;
+- (instancetype)initWithTitle:(NSString*)string
+                       action:(nullable SEL)selector
+                keyEquivalent:(NSString*)charCode NS_DESIGNATED_INITIALIZER;
+@property(nullable, strong) NSMenu* submenu;
+@property NSEventModifierFlags keyEquivalentModifierMask;
+@property NSControlStateValue state;
+@property(nullable, weak) id target;
+@property(nullable) SEL action;
+@property(nullable, strong) id representedObject;
+@end
+
+@protocol NSMenuDelegate <NSObject>
+@optional
+- (void)menuNeedsUpdate:(NSMenu*)menu;
+@end
+
+@interface NSMenu : NSObject <NSCopying>
+- (instancetype)initWithTitle:(NSString*)title NS_DESIGNATED_INITIALIZER;
+@property(nullable, weak) id<NSMenuDelegate> delegate;
+- (void)addItem:(NSMenuItem*)newItem;
+- (void)removeAllItems;
+- (BOOL)popUpMenuPositioningItem:(nullable NSMenuItem*)item atLocation:(NSPoint)location inView:(nullable NSView*)view;
+@end
+
+typedef NSString* NSStatusItemAutosaveName;
+static const CGFloat NSVariableStatusItemLength = -1.0;
+
+@interface NSStatusBarButton : NSButton
+@end
+
+@interface NSStatusItem : NSObject
+@property(nullable, strong) NSMenu* menu;
+@property(nullable, readonly, strong) NSStatusBarButton* button;
+@property(getter=isVisible) BOOL visible;
+@property(null_resettable, copy) NSStatusItemAutosaveName autosaveName;
+@end
+
+@interface NSStatusBar : NSObject
+@property(class, strong, readonly) NSStatusBar* systemStatusBar;
+@property(readonly) CGFloat thickness;
+- (NSStatusItem*)statusItemWithLength:(CGFloat)length;
+- (void)removeStatusItem:(NSStatusItem*)item;
 @end
 
 typedef NSInteger NSWindowLevel;
@@ -222,10 +379,15 @@ typedef NS_ENUM(NSInteger, NSWindowTabbingMode) {
 @property(readonly) CGFloat backingScaleFactor;
 @end
 
+typedef NS_OPTIONS(NSUInteger, NSApplicationActivationOptions) {
+    NSApplicationActivateAllWindows = 1 << 0,
+};
+
 @interface NSRunningApplication : NSObject
 + (nullable instancetype)runningApplicationWithProcessIdentifier:(pid_t)pid;
 @property(readonly) pid_t processIdentifier;
 @property(nullable, readonly, copy) NSString* localizedName;
+- (BOOL)activateWithOptions:(NSApplicationActivationOptions)options;
 @end
 
 extern "C" {

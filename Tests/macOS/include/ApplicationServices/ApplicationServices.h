@@ -33,9 +33,13 @@ CFTypeID AXUIElementGetTypeID(void);
 AXUIElementRef AXUIElementCreateApplication(pid_t pid) __attribute__((cf_returns_retained));
 AXError AXUIElementCopyAttributeValue(AXUIElementRef element, CFStringRef attribute,
                                       CFTypeRef _Nullable* _Nonnull __attribute__((cf_returns_retained)) value);
+AXError AXUIElementIsAttributeSettable(AXUIElementRef element, CFStringRef attribute, Boolean* settable);
 AXError AXUIElementSetAttributeValue(AXUIElementRef element, CFStringRef attribute, CFTypeRef value);
+AXError AXUIElementPerformAction(AXUIElementRef element, CFStringRef action);
+AXError AXUIElementSetMessagingTimeout(AXUIElementRef element, float timeoutInSeconds);
 
 CFTypeID AXValueGetTypeID(void);
+AXValueRef _Nullable AXValueCreate(AXValueType theType, const void* valuePtr) __attribute__((cf_returns_retained));
 Boolean AXValueGetValue(AXValueRef value, AXValueType theType, void* valuePtr);
 }
 

@@ -1,4 +1,4 @@
-// Reference counting, run-time types and the few object types that adapters look into.
+// Reference counting, run-time types, the few object types that adapters look into, Mach ports and run loops.
 #pragma once
 
 #include <objc/NSObject.h>
@@ -6,6 +6,7 @@
 typedef unsigned char Boolean;
 typedef double Float64;
 typedef uint32_t OSType;
+typedef signed long CFIndex;
 typedef unsigned long CFTypeID;
 typedef const void* CFTypeRef;
 typedef const struct __attribute__((objc_bridge(NSString))) __CFString* CFStringRef;
@@ -13,6 +14,11 @@ typedef const struct __attribute__((objc_bridge(NSArray))) __CFArray* CFArrayRef
 typedef const struct __attribute__((objc_bridge(NSDictionary))) __CFDictionary* CFDictionaryRef;
 typedef const struct __attribute__((objc_bridge(NSNumber))) __CFNumber* CFNumberRef;
 typedef const struct __attribute__((objc_bridge(NSNumber))) __CFBoolean* CFBooleanRef;
+typedef const struct __attribute__((objc_bridge(id))) __CFAllocator* CFAllocatorRef;
+typedef struct __attribute__((objc_bridge_mutable(NSMachPort))) __CFMachPort* CFMachPortRef;
+typedef struct __attribute__((objc_bridge_mutable(id))) __CFRunLoop* CFRunLoopRef;
+typedef struct __attribute__((objc_bridge_mutable(id))) __CFRunLoopSource* CFRunLoopSourceRef;
+typedef CFStringRef CFRunLoopMode;
 
 #define CFSTR(text) ((CFStringRef)__builtin___CFStringMakeConstantString("" text ""))
 
@@ -27,8 +33,19 @@ CFTypeRef CFRetain(CFTypeRef object);
 void CFRelease(CFTypeRef object);
 CFTypeID CFGetTypeID(CFTypeRef object);
 CFTypeID CFStringGetTypeID(void);
+CFTypeID CFArrayGetTypeID(void);
 CFTypeID CFBooleanGetTypeID(void);
+CFTypeID CFNumberGetTypeID(void);
 Boolean CFNumberIsFloatType(CFNumberRef number);
+
+extern const CFAllocatorRef _Nullable kCFAllocatorDefault;
+void CFMachPortInvalidate(CFMachPortRef port);
+CFRunLoopSourceRef _Nullable CFMachPortCreateRunLoopSource(CFAllocatorRef _Nullable allocator, CFMachPortRef port,
+                                                           CFIndex order) __attribute__((cf_returns_retained));
+
+extern const CFRunLoopMode kCFRunLoopCommonModes;
+CFRunLoopRef CFRunLoopGetMain(void);
+void CFRunLoopAddSource(CFRunLoopRef rl, CFRunLoopSourceRef _Nullable source, CFRunLoopMode mode);
 }
 
 NS_ASSUME_NONNULL_END

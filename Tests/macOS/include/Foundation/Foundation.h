@@ -28,6 +28,11 @@ inline NSRect NSMakeRect(CGFloat x, CGFloat y, CGFloat width, CGFloat height) {
     return {{x, y}, {width, height}};
 }
 
+inline NSSize NSMakeSize(CGFloat width, CGFloat height) {
+    return {width, height};
+}
+extern "C" const NSRect NSZeroRect;
+
 inline id _Nullable CFBridgingRelease(__attribute__((cf_consumed)) CFTypeRef _Nullable object) {
     return (__bridge_transfer id)object;
 }
@@ -53,6 +58,8 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 @interface NSString : NSObject <NSCopying>
 + (nullable instancetype)stringWithUTF8String:(const char*)nullTerminatedCString;
 - (nullable instancetype)initWithBytes:(const void*)bytes length:(NSUInteger)len encoding:(NSStringEncoding)encoding;
+- (BOOL)isEqualToString:(NSString*)aString;
+- (NSString*)stringByAppendingString:(NSString*)aString;
 - (nullable NSData*)dataUsingEncoding:(NSStringEncoding)encoding allowLossyConversion:(BOOL)lossy;
 @end
 
@@ -81,6 +88,8 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 @end
 
 @interface NSArray<__covariant ObjectType> : NSObject <NSCopying, NSFastEnumeration>
++ (instancetype)array;
++ (instancetype)arrayWithObjects:(const ObjectType _Nonnull[_Nonnull])objects count:(NSUInteger)cnt;
 @property(nullable, nonatomic, readonly) ObjectType firstObject;
 @end
 
@@ -167,6 +176,10 @@ typedef NSString* NSNotificationName;
 - (void)removeObserver:(id)observer;
 @end
 
+@interface NSThread : NSObject
+@property(class, readonly) BOOL isMainThread;
+@end
+
 typedef NSString* NSRunLoopMode;
 extern "C" NSRunLoopMode const NSDefaultRunLoopMode;
 
@@ -204,6 +217,7 @@ typedef struct {
 
 @interface NSProcessInfo : NSObject
 @property(class, readonly, strong) NSProcessInfo* processInfo;
+@property(copy) NSString* processName;
 @property(readonly) int processIdentifier;
 @property(readonly) NSOperatingSystemVersion operatingSystemVersion;
 @end
@@ -211,6 +225,8 @@ typedef struct {
 @interface NSBundle : NSObject
 @property(class, readonly, strong) NSBundle* mainBundle;
 @property(nullable, readonly, copy) NSString* bundleIdentifier;
+- (nullable id)objectForInfoDictionaryKey:(NSString*)key;
+- (NSString*)localizedStringForKey:(NSString*)key value:(nullable NSString*)value table:(nullable NSString*)tableName;
 @end
 
 extern "C" void NSLog(NSString* format, ...) __attribute__((format(__NSString__, 1, 2)));

@@ -25,6 +25,7 @@ dispatch_queue_main_t dispatch_get_main_queue(void);
 dispatch_queue_t dispatch_queue_create(const char* _Nullable label, dispatch_queue_attr_t _Nullable attr)
     __attribute__((ns_returns_retained));
 void dispatch_async(dispatch_queue_t queue, dispatch_block_t block);
+void dispatch_sync(dispatch_queue_t queue, __attribute__((noescape)) dispatch_block_t block);
 void dispatch_after(dispatch_time_t when, dispatch_queue_t queue, dispatch_block_t block);
 dispatch_time_t dispatch_time(dispatch_time_t when, int64_t delta);
 }

@@ -1,0 +1,93 @@
+#pragma once
+
+#include "HeldWeakly.h"
+#include "Platform/Scheduler.h"
+#include "Platform/SystemEvent.h"
+#include "Platform/X11/FocusKeeper.h"
+#include "Platform/X11/InputTarget.h"
+#include "Platform/X11/Keyboard.h"
+#include "Platform/X11/PostedEvents.h"
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <vector>
+
+namespace quillon::x11 {
+
+/// One thing that the user does to a window.
+struct PointerAction {
+    /// As the window manager knows it.
+    xcb_window_t window = XCB_WINDOW_NONE;
+    /// On the root window.
+    PixelPoint at;
+    EventFlags modifiers = 0;
+};
+
+/// Posts the user's clicks, drags and steps of the wheel to windows, whatever covers them, in the order of the calls.
+/// While a button is down its events go to the part of the window that got the press, wherever the pointer is, as the
+/// server does it. Nothing waits for the program of the window.
+///
+/// Every press is followed by its release: when the release does not come here (the panel went away in the middle of
+/// a drag), it is made up as soon as the user's own button is up, or when this object ends.
+///
+/// GTK 4 programs do not react to any of this, nor Qt 5.15 and 6.4 to the wheel: they listen to XInput 2, whose events
+/// cannot be posted. Main thread.
+class PostedInput final : private HeldWeakly<PostedInput> {
+    friend HeldWeakly<PostedInput>;
+
+public:
+    /// All must outlive this object.
+    PostedInput(Connection& connection, Scheduler& scheduler, Keyboard& keyboard, FocusKeeper& focusKeeper);
+    ~PostedInput();
+
+    void press(const PointerAction& action, xcb_button_t button);
+    /// Nothing happens unless a button is down in the window.
+    void drag(const PointerAction& action);
+    /// Nothing happens unless that button is down in the window.
+    void release(const PointerAction& action, xcb_button_t button);
+    /// Positive towards the top and the left.
+    void scroll(const PointerAction& action, int vertical, int horizontal);
+
+private:
+    /// Buttons that are down in a window, at least one.
+    struct Held {
+        InputTarget target;
+        std::vector<xcb_button_t> buttons;
+        bool allowsDrags = true;
+        PointerAction last;
+    };
+
+    [[nodiscard]] std::optional<PostedPointer> pointerIn(xcb_window_t window, const PointerAction& action);
+    [[nodiscard]] std::optional<InputTarget> targetOf(const PointerAction& action) const;
+    [[nodiscard]] std::uint16_t buttonBits(xcb_window_t outermost) const;
+    using Step = std::function<void(PostedInput&)>;
+    /// Now, or after what waits.
+    void inOrder(Step step);
+    void resume();
+    void postFirst();
+    void postPress(const PointerAction& action, xcb_button_t button);
+    void postDrag(const PointerAction& action);
+    void postRelease(const PointerAction& action, xcb_button_t button);
+    void postScroll(const PointerAction& action, int vertical, int horizontal);
+    void enter(const InputTarget& target, const PostedPointer& pointer);
+    void leave(const InputTarget& target, const PostedPointer& pointer);
+    void postSteps(PostedPointer pointer, int count, xcb_button_t forwards, xcb_button_t backwards);
+    void watchButtons();
+    void releaseWhatIsUp(std::uint16_t buttonsDown);
+
+    Connection& connection;
+    Scheduler& scheduler;
+    Keyboard& keyboard;
+    FocusKeeper& focusKeeper;
+    /// By the window that the window manager knows.
+    std::map<xcb_window_t, Held> held;
+    /// What came during the pause before a press.
+    std::deque<Step> waiting;
+    bool isPausing = false;
+    RegistrationToken buttonWatch;
+    RegistrationToken buttonReply;
+};
+
+} // namespace quillon::x11

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "Platform/X11/Connection.h"
+
+#include <cstdint>
+#include <initializer_list>
+#include <string_view>
+
+namespace quillon::x11 {
+
+// What is asked of the window manager, which does it in its own time. The window may have closed. On the thread that
+// the connection is used on.
+
+/// _NET_WM_DESKTOP's value for a window on all desktops.
+inline constexpr std::uint32_t allDesktops = 0xffffffff;
+
+/// Sends a client message about the window, or about the desktop if that is the root window.
+void askManager(Connection& connection, xcb_window_t window, std::string_view message,
+                std::initializer_list<std::uint32_t> data);
+
+/// The user wants to work with the window: it comes to the front with the keyboard focus, minimised or not, and the
+/// user is taken to its desktop.
+void activate(Connection& connection, xcb_window_t window);
+
+/// In front of the other windows of its level. The focus stays where it is.
+void raise(Connection& connection, xcb_window_t window);
+
+/// Behind another window. The focus stays where it is.
+void restackBehind(Connection& connection, xcb_window_t window, xcb_window_t front);
+
+} // namespace quillon::x11

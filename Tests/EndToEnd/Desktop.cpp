@@ -72,6 +72,12 @@ void Desktop::makeDirectories() {
         {"QT_QPA_PLATFORM", "xcb"},
         {"QT_STYLE_OVERRIDE", "Fusion"},
     };
+    // The sanitizers of the program under test.
+    for (const auto* options : {"ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS"}) {
+        if (const char* value = std::getenv(options)) {
+            variables[options] = value;
+        }
+    }
     const std::array<std::pair<const char*, const char*>, 6> directories{{
         {"HOME", "home"},
         {"XDG_CONFIG_HOME", "config"},

@@ -166,6 +166,7 @@ std::vector<AccessibleReference> referencesIn(const QDBusMessage& answer, std::s
             result.push_back(std::move(reference));
         }
     }
+    list.endArray();
     return result;
 }
 

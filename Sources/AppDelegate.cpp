@@ -106,16 +106,20 @@ void AppDelegate::togglePinFrontmostWindow() {
         wplog([] { return std::string("togglePin: No foreign window found"); });
         return;
     }
-    const bool wasPinned = tracker.isPinned(window->windowID);
-    if (wasPinned) {
-        tracker.unpin(window->windowID);
-    } else {
-        tracker.pin(*window);
-    }
+    const bool isPinned = togglePin(*window);
     wplog([&] {
-        return fmt::format("togglePin: {} '{}' (wid={})", wasPinned ? "Unpinned" : "Pinned", window->titleOrOwnerName(),
+        return fmt::format("togglePin: {} '{}' (wid={})", isPinned ? "Pinned" : "Unpinned", window->titleOrOwnerName(),
                            window->windowID);
     });
+}
+
+bool AppDelegate::togglePin(const ForeignWindow& window) {
+    if (tracker.isPinned(window.windowID)) {
+        tracker.unpin(window.windowID);
+        return false;
+    }
+    tracker.pin(window);
+    return true;
 }
 
 ScriptReply AppDelegate::performScriptCommand(const ScriptCommand& command) {

@@ -61,6 +61,8 @@ private:
     void logEventAccess() const;
     void rememberWindowOf(const std::optional<RunningApplication>& application);
     void togglePinFrontmostWindow();
+    /// Says whether the window is pinned now.
+    bool togglePin(const ForeignWindow& window);
 
     // The global shortcut
     [[nodiscard]] bool isShortcutSet() const;

@@ -4,6 +4,7 @@
 
 #include "Defaults.h"
 #include "DiagnosticLog.h"
+#include "EventFlags.h"
 #include "PellamKit/PellamHotkeyRegistry.h"
 #include "Platform/Accessibility.h"
 #include "Platform/EventTap.h"
@@ -26,10 +27,6 @@ namespace quillon {
 namespace {
 
 constexpr Seconds permissionRetryInterval{2};
-
-/// What the modifiers of an event are compared by; Caps Lock and the Function key do not matter.
-constexpr EventFlags comparedModifiers =
-    eventFlagMaskShift | eventFlagMaskControl | eventFlagMaskAlternate | eventFlagMaskCommand;
 
 /// What the tap's callback works with, which is given no reference to the delegate. Main thread.
 struct TapState {
@@ -67,20 +64,6 @@ TapState& tapState() {
     return tapStateValue.get([] { return TapState(); });
 }
 
-EventFlags eventFlags(ModifierFlags modifiers) {
-    constexpr std::array<std::pair<ModifierFlags, EventFlags>, 4> conversions{{
-        {modifierFlagShift, eventFlagMaskShift},
-        {modifierFlagControl, eventFlagMaskControl},
-        {modifierFlagOption, eventFlagMaskAlternate},
-        {modifierFlagCommand, eventFlagMaskCommand},
-    }};
-    EventFlags flags = 0;
-    for (const auto& [modifier, flag] : conversions) {
-        flags |= (modifiers & modifier) != 0 ? flag : 0;
-    }
-    return flags;
-}
-
 void setMatchingKeyPress(std::uint16_t keyCode, ModifierFlags modifiers) {
     auto& state = tapState();
     state.shortcutKeyCode = keyCode;
@@ -91,7 +74,7 @@ void setMatchingKeyPress(std::uint16_t keyCode, ModifierFlags modifiers) {
 bool isShortcut(const SystemEvent& event) {
     const auto press = tapState().keyPress();
     return press && event.integerValueField(SystemEventField::keyboardEventKeycode) == press->keyCode &&
-           (event.flags() & comparedModifiers) == press->modifiers;
+           (event.flags() & eventFlagsOfModifiers) == press->modifiers;
 }
 
 TappedEvent hotkeyTapCallback(SystemEventType type, const SystemEvent& event) {

@@ -163,14 +163,8 @@ void AppDelegate::openAbout(const MenuItem& /*sender*/) {
 
 /// What is pinned may have changed since the menu was opened.
 void AppDelegate::toggleFrontmost(const MenuItem& sender) {
-    const auto* window = std::any_cast<ForeignWindow>(&sender.representedObject);
-    if (window == nullptr) {
-        return;
-    }
-    if (tracker.isPinned(window->windowID)) {
-        tracker.unpin(window->windowID);
-    } else {
-        tracker.pin(*window);
+    if (const auto* window = std::any_cast<ForeignWindow>(&sender.representedObject)) {
+        togglePin(*window);
     }
 }
 

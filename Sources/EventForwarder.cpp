@@ -1,5 +1,6 @@
 #include "EventForwarder.h"
 
+#include "EventFlags.h"
 #include "Platform/OneTimeValue.h"
 #include "Platform/Platform.h"
 #include "Platform/SyntheticEvents.h"
@@ -55,13 +56,6 @@ std::optional<MouseType> mouseType(EventType type) {
     default:
         return std::nullopt;
     }
-}
-
-/// Command, Option, Control and Shift; they have the same bits in both kinds of event.
-EventFlags eventFlags(ModifierFlags flags) {
-    static_assert(eventFlagMaskCommand == modifierFlagCommand && eventFlagMaskAlternate == modifierFlagOption &&
-                  eventFlagMaskControl == modifierFlagControl && eventFlagMaskShift == modifierFlagShift);
-    return flags & (eventFlagMaskCommand | eventFlagMaskAlternate | eventFlagMaskControl | eventFlagMaskShift);
 }
 
 /// The delta as whole steps, at least one in its direction, so that the smallest movement scrolls too.

@@ -2,8 +2,6 @@
 
 #include "Platform/X11/PropertyReply.h"
 
-#include <fmt/format.h>
-
 #include <optional>
 
 namespace quillon::x11 {
@@ -86,15 +84,12 @@ std::unordered_map<std::string, std::int32_t> parseXSettings(std::string_view by
 
 ClickSettings readClickSettings(Connection& connection) {
     constexpr std::uint32_t longestProperty = 65536;
-    auto* const xcb = connection.xcb();
-    const auto managerName = fmt::format("_XSETTINGS_S{}", connection.screenNumber());
-    const auto cookie = xcb_get_selection_owner(xcb, connection.atom(managerName));
-    const Reply<xcb_get_selection_owner_reply_t> manager(xcb_get_selection_owner_reply(xcb, cookie, nullptr));
     ClickSettings result;
-    if (!manager || manager->owner == XCB_WINDOW_NONE) {
+    const auto manager = connection.selectionOwner(connection.atom(connection.selectionName("_XSETTINGS")));
+    if (manager == XCB_WINDOW_NONE) {
         return result;
     }
-    PropertyReply property(connection, manager->owner, connection.atom("_XSETTINGS_SETTINGS"), longestProperty);
+    PropertyReply property(connection, manager, connection.atom("_XSETTINGS_SETTINGS"), longestProperty);
     property.wait();
     const auto settings = parseXSettings(property.bytes().value_or(std::string_view()));
     const auto positive = [&settings](const char* name) -> std::optional<std::int32_t> {

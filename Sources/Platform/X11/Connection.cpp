@@ -341,6 +341,16 @@ xcb_atom_t Connection::atom(std::string_view name) {
     return reply->atom;
 }
 
+std::string Connection::selectionName(std::string_view kind) const {
+    return fmt::format("{}_S{}", kind, defaultScreenNumber);
+}
+
+xcb_window_t Connection::selectionOwner(xcb_atom_t selection) {
+    const auto cookie = xcb_get_selection_owner(connection, selection);
+    const Reply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(connection, cookie, nullptr));
+    return reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
+}
+
 RegistrationToken Connection::observeWindow(xcb_window_t window, EventHandler handler) {
     return tables->windows.add(window, std::move(handler));
 }

@@ -25,6 +25,14 @@ struct FreeReply {
 template <class T>
 using Reply = std::unique_ptr<T, FreeReply>;
 
+/// A pixel of the root window, or of a window: origin top left, y downwards.
+struct PixelPoint {
+    int x = 0;
+    int y = 0;
+
+    bool operator==(const PixelPoint&) const = default;
+};
+
 /// A rectangle in pixels of the root window, or of a drawable: origin top left, y downwards.
 struct PixelRect {
     int x = 0;
@@ -32,15 +40,20 @@ struct PixelRect {
     int width = 0;
     int height = 0;
 
+    [[nodiscard]] bool contains(const PixelPoint& point) const {
+        return point.x >= x && point.x < x + width && point.y >= y && point.y < y + height;
+    }
+    /// Whether the other one lies inside, edges included.
+    [[nodiscard]] bool contains(const PixelRect& other) const {
+        return other.x >= x && other.y >= y && other.x + other.width <= x + width &&
+               other.y + other.height <= y + height;
+    }
+    /// Whether the two share a pixel.
+    [[nodiscard]] bool intersects(const PixelRect& other) const {
+        return other.x < x + width && x < other.x + other.width && other.y < y + height && y < other.y + other.height;
+    }
+
     bool operator==(const PixelRect&) const = default;
-};
-
-/// A pixel of the root window, or of a window: origin top left, y downwards.
-struct PixelPoint {
-    int x = 0;
-    int y = 0;
-
-    bool operator==(const PixelPoint&) const = default;
 };
 
 /// The one connection to the X server, which all ports share: requests go out in the order of the calls, and
@@ -64,11 +77,13 @@ public:
     [[nodiscard]] xcb_connection_t* xcb() const { return connection; }
     [[nodiscard]] const xcb_screen_t& screen() const { return *defaultScreen; }
     [[nodiscard]] xcb_window_t root() const { return defaultScreen->root; }
-    /// As it stands in the names of selections that exist once a screen (_XSETTINGS_S0).
-    [[nodiscard]] int screenNumber() const { return defaultScreenNumber; }
+    /// The name of the selection of that kind that stands for this screen: _XSETTINGS_S0 for _XSETTINGS.
+    [[nodiscard]] std::string selectionName(std::string_view kind) const;
 
     /// The atom of that name; made when the server has none. Asked for once, then remembered.
     [[nodiscard]] xcb_atom_t atom(std::string_view name);
+    /// None (XCB_WINDOW_NONE) when nobody owns the selection.
+    [[nodiscard]] xcb_window_t selectionOwner(xcb_atom_t selection);
 
     /// The number of an extension's first event.
     [[nodiscard]] std::uint8_t damageEventBase() const { return damageBase; }

@@ -1,8 +1,7 @@
 #include "Platform/X11/PanelWindow.h"
 
+#include "Platform/X11/PropertyReply.h"
 #include "Platform/X11/WindowManager.h"
-
-#include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
@@ -150,13 +149,11 @@ void PanelWindow::changeStacking(const PanelStacking& from, const PanelStacking&
     if (from.onAllDesktops != to.onAllDesktops) {
         changeState(to.onAllDesktops, "_NET_WM_STATE_STICKY");
         // Window managers without desktops may lack the property; there is nothing to change then.
-        const auto cookie = xcb_get_property(connection.xcb(), 0, connection.root(),
-                                             connection.atom("_NET_CURRENT_DESKTOP"), XCB_ATOM_CARDINAL, 0, 1);
-        const Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection.xcb(), cookie, nullptr));
-        if (reply && reply->format == 32 && xcb_get_property_value_length(reply.get()) == 4) {
-            const auto current = *static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+        PropertyReply current(connection, connection.root(), connection.atom("_NET_CURRENT_DESKTOP"), 1);
+        current.wait();
+        if (const auto desktop = current.number()) {
             askManager(connection, window, "_NET_WM_DESKTOP",
-                       {to.onAllDesktops ? allDesktops : current, fromApplication});
+                       {to.onAllDesktops ? allDesktops : *desktop, fromApplication});
         }
     }
 }
@@ -188,14 +185,6 @@ void PanelWindow::setNumbers(std::string_view property, xcb_atom_t type, std::in
 void PanelWindow::setText(xcb_atom_t property, xcb_atom_t type, std::string_view text) {
     xcb_change_property(connection.xcb(), XCB_PROP_MODE_REPLACE, window, property, type, 8,
                         static_cast<std::uint32_t>(text.size()), text.data());
-}
-
-bool hasCompositor(Connection& connection) {
-    auto* const xcb = connection.xcb();
-    const auto name = fmt::format("_NET_WM_CM_S{}", connection.screenNumber());
-    const auto cookie = xcb_get_selection_owner(xcb, connection.atom(name));
-    const Reply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(xcb, cookie, nullptr));
-    return reply && reply->owner != XCB_WINDOW_NONE;
 }
 
 } // namespace quillon::x11

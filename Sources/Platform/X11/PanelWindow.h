@@ -57,7 +57,4 @@ private:
     Colormap colormap;
 };
 
-/// Whether a compositor runs on the screen.
-[[nodiscard]] bool hasCompositor(Connection& connection);
-
 } // namespace quillon::x11

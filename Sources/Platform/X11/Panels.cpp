@@ -2,6 +2,7 @@
 
 #include "Platform/X11/Event.h"
 #include "Platform/X11/PicturePorts.h"
+#include "Platform/X11/WindowManager.h"
 
 #include <algorithm>
 #include <chrono>

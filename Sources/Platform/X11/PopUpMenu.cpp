@@ -51,7 +51,7 @@ void performMenuItem(const MenuItem& item) {
     } else if (const auto* standard = std::get_if<StandardAction>(&item.action)) {
         // The others are for what has the keyboard focus, which these menus never take.
         if (*standard == StandardAction::terminate) {
-            platform().sharedApplication()->terminate();
+            sharedApplication().terminate();
         }
     }
 }

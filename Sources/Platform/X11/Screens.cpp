@@ -24,10 +24,6 @@ bool tellsMonitors(Connection& connection) {
     return reply && (reply->major_version > 1 || (reply->major_version == 1 && reply->minor_version >= 5));
 }
 
-bool contains(const PixelRect& rect, int x, int y) {
-    return x >= rect.x && x < rect.x + rect.width && y >= rect.y && y < rect.y + rect.height;
-}
-
 } // namespace
 
 X11Screens::X11Screens(Connection& connection, Scheduler& scheduler, NotificationCenter& notifications,
@@ -117,7 +113,7 @@ std::optional<Screen> X11Screens::mainScreen() const {
     if (window) {
         const auto& bounds = window->bounds;
         const auto holder = std::find_if(monitors.begin(), monitors.end(), [&](const PixelRect& monitor) {
-            return contains(monitor, bounds.x + bounds.width / 2, bounds.y + bounds.height / 2);
+            return monitor.contains(PixelPoint{bounds.x + bounds.width / 2, bounds.y + bounds.height / 2});
         });
         if (holder != monitors.end()) {
             return screen(*holder);

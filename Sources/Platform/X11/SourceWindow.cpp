@@ -2,6 +2,7 @@
 
 #include "Platform/X11/EndToken.h"
 #include "Platform/X11/Event.h"
+#include "Platform/X11/WindowManager.h"
 
 #include <xcb/composite.h>
 
@@ -16,16 +17,6 @@ namespace {
 /// server has only the window's background there. Toolkits redraw within a frame or two; one that hangs must not
 /// hold its picture back for long.
 constexpr std::chrono::milliseconds timeToRedraw{100};
-
-bool intersect(const PixelRect& one, const PixelRect& other) {
-    return one.x < other.x + other.width && other.x < one.x + one.width && one.y < other.y + other.height &&
-           other.y < one.y + one.height;
-}
-
-bool contains(const PixelRect& outer, const PixelRect& inner) {
-    return inner.x >= outer.x && inner.y >= outer.y && inner.x + inner.width <= outer.x + outer.width &&
-           inner.y + inner.height <= outer.y + outer.height;
-}
 
 } // namespace
 
@@ -201,17 +192,21 @@ std::shared_ptr<SourceWindow> SourceWindows::hold(xcb_window_t window) {
     return made;
 }
 
-/// The window in front usually is. Beneath ordinary windows, whose frames are not known here, none counts as visible.
+/// A compositor keeps what is covered too. Without one, the window in front usually is whole; beneath ordinary windows,
+/// whose frames are not known here, none counts as visible.
 bool SourceWindows::isWhole(xcb_window_t window) const {
+    if (hasCompositor(connection)) {
+        return true;
+    }
     const auto list = windows.list();
     const auto found = std::ranges::find_if(list, [window](const ClientWindow& each) { return each.window == window; });
     const auto& screen = connection.screen();
-    if (found == list.end() || !found->isOnScreen ||
-        !contains({0, 0, screen.width_in_pixels, screen.height_in_pixels}, found->bounds)) {
+    const PixelRect visible{0, 0, screen.width_in_pixels, screen.height_in_pixels};
+    if (found == list.end() || !found->isOnScreen || !visible.contains(found->bounds)) {
         return false;
     }
     return std::none_of(list.begin(), found, [&](const ClientWindow& over) {
-        return over.isOnScreen && (over.kind == ClientWindow::Kind::ordinary || intersect(over.bounds, found->bounds));
+        return over.isOnScreen && (over.kind == ClientWindow::Kind::ordinary || over.bounds.intersects(found->bounds));
     });
 }
 

@@ -28,7 +28,7 @@ public:
         std::function<void()> gone;
     };
 
-    /// `isWhole` says that all of the window is visible, so that the server has its picture already.
+    /// `isWhole` says that the server has the picture of all of the window already.
     SourceWindow(Connection& connection, xcb_window_t window, bool isWhole);
     SourceWindow(const SourceWindow&) = delete;
     SourceWindow& operator=(const SourceWindow&) = delete;

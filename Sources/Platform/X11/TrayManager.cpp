@@ -1,8 +1,7 @@
 #include "Platform/X11/TrayManager.h"
 
 #include "Platform/X11/Event.h"
-
-#include <fmt/format.h>
+#include "Platform/X11/PropertyReply.h"
 
 #include <numeric>
 #include <vector>
@@ -11,27 +10,19 @@ namespace quillon::x11 {
 
 namespace {
 
-std::string selectionName(const Connection& connection) {
-    return fmt::format("_NET_SYSTEM_TRAY_S{}", connection.screenNumber());
-}
-
 /// The window's property of that type, whose items have 32 bits; at most `most` items. Empty when it is missing.
 std::vector<std::uint32_t> numbers(Connection& connection, xcb_window_t window, std::string_view name, xcb_atom_t type,
                                    std::uint32_t most) {
-    auto* const xcb = connection.xcb();
-    const auto cookie = xcb_get_property(xcb, 0, window, connection.atom(name), type, 0, most);
-    const Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(xcb, cookie, nullptr));
-    if (!reply || reply->format != 32) {
-        return {};
-    }
-    const auto* first = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
-    return {first, first + reply->value_len};
+    PropertyReply reply(connection, window, connection.atom(name), most);
+    reply.wait();
+    const auto all = reply.numbers();
+    return reply.type() == type ? std::vector(all.begin(), all.end()) : std::vector<std::uint32_t>();
 }
 
 } // namespace
 
 TrayManager::TrayManager(Connection& connection)
-    : connection(connection), selection(connection.atom(selectionName(connection))) {
+    : connection(connection), selection(connection.atom(connection.selectionName("_NET_SYSTEM_TRAY"))) {
     // A new tray announces itself on the root window.
     announcementSelection = connection.selectInput(connection.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     announcements = connection.observeWindow(connection.root(), [this](const xcb_generic_event_t& event) {
@@ -50,9 +41,7 @@ void TrayManager::look() {
     auto* const xcb = connection.xcb();
     // The owner must not go between the question and the selection of its events.
     xcb_grab_server(xcb);
-    const Reply<xcb_get_selection_owner_reply_t> reply(
-        xcb_get_selection_owner_reply(xcb, xcb_get_selection_owner(xcb, selection), nullptr));
-    const xcb_window_t owner = reply ? reply->owner : xcb_window_t{XCB_NONE};
+    const auto owner = connection.selectionOwner(selection);
     const bool isOther = owner != manager;
     if (isOther) {
         watch(owner);

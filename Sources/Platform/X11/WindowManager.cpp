@@ -82,4 +82,8 @@ void restackBehind(Connection& connection, xcb_window_t window, xcb_window_t fro
     sendToManager(connection, bytes.data());
 }
 
+bool hasCompositor(Connection& connection) {
+    return connection.selectionOwner(connection.atom(connection.selectionName("_NET_WM_CM"))) != XCB_WINDOW_NONE;
+}
+
 } // namespace quillon::x11

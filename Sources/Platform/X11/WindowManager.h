@@ -28,4 +28,7 @@ void raise(Connection& connection, xcb_window_t window);
 /// Behind another window. The focus stays where it is.
 void restackBehind(Connection& connection, xcb_window_t window, xcb_window_t front);
 
+/// Whether a compositor runs on the screen, which keeps the whole picture of every window.
+[[nodiscard]] bool hasCompositor(Connection& connection);
+
 } // namespace quillon::x11

@@ -98,7 +98,8 @@ void Desktop::makeDirectories() {
 }
 
 void Desktop::startServer(const DesktopOptions& options) {
-    Command command{"Xvfb", "-screen", "0", "1600x1200x24", "-noreset", "-nolisten", "tcp"};
+    // Without auto-repeat (-r): on a busy machine a key may stay down for long before its release is looked at.
+    Command command{"Xvfb", "-r", "-screen", "0", "1600x1200x24", "-noreset", "-nolisten", "tcp"};
     command.insert(command.end(), options.serverOptions.begin(), options.serverOptions.end());
     command.insert(command.end(), {"-displayfd", ""});
     // Asked to end, the server removes its lock file and socket.

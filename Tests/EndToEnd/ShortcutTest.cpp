@@ -150,6 +150,7 @@ TEST_F(Shortcut, TogglesOncePerRepeatOfAHeldKey) {
         }
         return count;
     };
+    client.turnAutoRepeatOn();
     client.pressKey(controlKey);
     client.pressKey(superKey);
     client.pressKey(pKey);

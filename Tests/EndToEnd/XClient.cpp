@@ -426,6 +426,12 @@ void XClient::releaseKey(std::uint8_t key) const {
     fakeInput(XCB_KEY_RELEASE, key, 0, 0);
 }
 
+void XClient::turnAutoRepeatOn() const {
+    const std::uint32_t on = XCB_AUTO_REPEAT_MODE_ON;
+    xcb_change_keyboard_control(connection, XCB_KB_AUTO_REPEAT_MODE, &on);
+    xcb_flush(connection);
+}
+
 void XClient::type(const std::vector<std::uint8_t>& keys) const {
     for (const auto key : keys) {
         fakeInputWithoutFlush(XCB_KEY_PRESS, key, 0, 0);

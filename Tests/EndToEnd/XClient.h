@@ -107,8 +107,9 @@ public:
     void releaseButton(std::uint8_t button) const;
     void pressKey(std::uint8_t key) const;
     void releaseKey(std::uint8_t key) const;
-    /// Presses the keys in turn and releases them in the opposite order. All at once, so that no key is held down for
-    /// so long, on a busy machine, that it repeats.
+    /// Held keys repeat from now on; a desktop starts without that.
+    void turnAutoRepeatOn() const;
+    /// Presses the keys in turn and releases them in the opposite order.
     void type(const std::vector<std::uint8_t>& keys) const;
 
     // Synthetic input, which a window's program takes though the window is covered and not active

@@ -1,25 +1,13 @@
-#include "AppDelegate.h"
-
+#include "DelegateTest.h"
 #include "PellamKit/PellamStatusItemVisibility.h"
-#include "UnitTest.h"
 
 namespace quillon {
 namespace {
 
-constexpr DisplayRect here{{100, 50}, {800, 600}};
 const std::string promptFlag = "didPromptForAccessibilityStableIdentity";
 
-class AppDelegateTest : public UnitTest {
+class AppDelegateTest : public DelegateTest {
 protected:
-    void launch() {
-        delegate->applicationDidFinishLaunching();
-        desktop.runUntilIdle();
-    }
-    /// Until the window of the application has been remembered.
-    void activate(ProcessID pid) {
-        desktop.activate(pid);
-        desktop.advance(Seconds(0.1));
-    }
     ScriptReply script(const std::string& verb, std::vector<std::string> arguments = {}) {
         return delegate->performScriptCommand({verb, std::move(arguments)});
     }
@@ -33,12 +21,6 @@ protected:
         return window ? std::optional(window->windowID) : std::nullopt;
     }
     std::size_t prompts() { return desktop.journal().take({"accessibility.promptForTrust"}).size(); }
-
-    ProcessID notes = desktop.launch("Note");
-    ProcessID mail = desktop.launch("Mail");
-    WindowID shopping = desktop.openWindow(notes, "Spesa", here);
-    WindowID inbox = desktop.openWindow(mail, "Posta", here);
-    std::shared_ptr<AppDelegate> delegate = std::make_shared<AppDelegate>();
 };
 
 using AppDelegateEdgeCases = AppDelegateTest;

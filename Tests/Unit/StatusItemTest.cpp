@@ -1,9 +1,7 @@
 // The delegate's status item and its menu.
 
-#include "AppDelegate.h"
-
+#include "DelegateTest.h"
 #include "PellamKit/PellamStatusItemVisibility.h"
-#include "UnitTest.h"
 
 #include <any>
 #include <unordered_set>
@@ -11,7 +9,6 @@
 namespace quillon {
 namespace {
 
-constexpr DisplayRect here{{100, 50}, {800, 600}};
 const std::string hiddenKey = "PellamStatusItemVisibility.Hidden.local.quillon.floating";
 const std::string migratedKey = "didMigratePillColorV2";
 const std::string colorKey = "menuBarPillColor";
@@ -30,17 +27,8 @@ std::string repeated(const std::string& text, int count) {
     return result;
 }
 
-class StatusItemTest : public UnitTest {
+class StatusItemTest : public DelegateTest {
 protected:
-    void launch() {
-        delegate->applicationDidFinishLaunching();
-        desktop.runUntilIdle();
-    }
-    /// Until the window of the application has been remembered.
-    void activate(ProcessID pid) {
-        desktop.activate(pid);
-        desktop.advance(Seconds(0.1));
-    }
     /// The window is remembered, and none of another application is in front.
     void leaveRemembered(ProcessID pid) {
         activate(pid);
@@ -81,12 +69,6 @@ protected:
         sender.representedObject = std::move(representedObject);
         std::get<MenuAction>(sender.action)(sender);
     }
-
-    ProcessID notes = desktop.launch("Note");
-    ProcessID mail = desktop.launch("Mail");
-    WindowID shopping = desktop.openWindow(notes, "Spesa", here);
-    WindowID inbox = desktop.openWindow(mail, "Posta", here);
-    std::shared_ptr<AppDelegate> delegate = std::make_shared<AppDelegate>();
 };
 
 using StatusItemEdgeCases = StatusItemTest;

@@ -126,6 +126,8 @@ ScriptReply AppDelegate::performScriptCommand(const ScriptCommand& command) {
     return ScriptCommands::perform(command, {.tracker = tracker,
                                              .togglePinFrontmostWindow = [this] { togglePinFrontmostWindow(); },
                                              .openMenuAtPointer = [this] { return openMenuAtPointer(); },
+                                             .openSettings = [this] { openSettings({}); },
+                                             .openAbout = [this] { openAbout({}); },
                                              .shortcut = shortcutDisplayString(),
                                              .shortcutState = shortcutState()});
 }

@@ -4,6 +4,7 @@
 #include "HeldWeakly.h"
 #include "PinnedWindowTracker.h"
 #include "Platform/Application.h"
+#include "Platform/EventTap.h"
 #include "Platform/Menu.h"
 #include "Platform/Panel.h"
 #include "Platform/Registration.h"
@@ -50,6 +51,8 @@ public:
     [[nodiscard]] std::string shortcutDisplayString() const;
     /// Whether the shortcut in force works.
     [[nodiscard]] ShortcutState shortcutState() const;
+    /// The shortcut's event tap; null while none could be made.
+    [[nodiscard]] EventTap* eventTap() const;
 
     /// Opens the status menu at the pointer; false when it cannot be opened now.
     bool openMenuAtPointer();

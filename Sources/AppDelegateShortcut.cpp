@@ -247,6 +247,10 @@ ShortcutState AppDelegate::shortcutState() const {
     programmingError("an unknown reach of a key press");
 }
 
+EventTap* AppDelegate::eventTap() const {
+    return tapState().eventTap.get();
+}
+
 std::string AppDelegate::shortcutDisplayString() const {
     if (!isShortcutSet()) {
         return "Non impostata";

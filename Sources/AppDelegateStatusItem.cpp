@@ -9,6 +9,7 @@
 #include "PellamKit/PellamStatusItemVisibility.h"
 #include "Platform/Platform.h"
 #include "Platform/UserDefaults.h"
+#include "QuillonSettingsContent.h"
 #include "Text.h"
 #include "WindowDetector.h"
 
@@ -179,7 +180,9 @@ void AppDelegate::unpinAllAction(const MenuItem& /*sender*/) {
 }
 
 void AppDelegate::openSettings(const MenuItem& /*sender*/) {
-    PellamSettingsView::showWindow(applicationName, true);
+    PellamSettingsView::showWindow(applicationName, true, [this] {
+        return std::make_unique<QuillonSettingsContent>(tracker, shared_from_this());
+    });
 }
 
 void AppDelegate::quit(const MenuItem& /*sender*/) {

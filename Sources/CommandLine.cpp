@@ -10,7 +10,8 @@ namespace quillon::CommandLine {
 
 namespace {
 
-constexpr std::array<std::string_view, 6> scriptVerbs{"pin", "unpin", "toggle", "list", "menu", "status"};
+constexpr std::array<std::string_view, 8> scriptVerbs{"pin",  "unpin",    "toggle", "list",
+                                                      "menu", "settings", "about",  "status"};
 
 constexpr std::string_view inputRoutingOption = "--input-routing";
 
@@ -98,6 +99,8 @@ Comandi per il programma in esecuzione:
   toggle                      fissa o sblocca la finestra in primo piano
   list                        elenca le finestre fissate: numero, tabulazione, nome
   menu                        apre il menu di Quillon dov'è il puntatore
+  settings                    apre le impostazioni
+  about                       apre le informazioni su Quillon
   status                      mostra come stanno la scorciatoia, l'icona e le finestre fissate
 
 Impostazioni:

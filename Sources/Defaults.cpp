@@ -82,6 +82,12 @@ struct AsInteger {
 
 } // namespace
 
+std::optional<bool> storedBool(std::string_view key) {
+    const auto value = platform().userDefaults().object(key);
+    const auto* truth = value ? std::get_if<bool>(&*value) : nullptr;
+    return truth != nullptr ? std::optional(*truth) : std::nullopt;
+}
+
 bool boolForKey(std::string_view key) {
     const auto value = platform().userDefaults().object(key);
     return value && std::visit(AsBool(), *value);

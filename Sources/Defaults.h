@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 /// The keys of the user defaults and the rules for reading them. Nothing registers defaults: an absent key
@@ -31,6 +32,9 @@ inline constexpr std::string_view menuBarPillEnabled = "menuBarPillEnabled";
 inline constexpr std::string_view menuBarPillColor = "menuBarPillColor";
 /// Bool; `menuBarPillColor` was deleted.
 inline constexpr std::string_view didMigratePillColor = "didMigratePillColorV2";
+
+/// The value when it is stored as a truth; none for any other value.
+[[nodiscard]] std::optional<bool> storedBool(std::string_view key);
 
 /// The value as a truth (NSUserDefaults boolForKey:): a number is true unless it is 0; a text is true when it
 /// starts, after blanks and a sign and zeros, with Y, y, T, t or a digit from 1 to 9; anything else is false.

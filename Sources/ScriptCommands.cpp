@@ -187,6 +187,14 @@ ScriptReply perform(const ScriptCommand& command, const Program& program) {
     if (command.verb == "menu") {
         return menu(program);
     }
+    if (command.verb == "settings") {
+        program.openSettings();
+        return {ExitStatus::success, ""};
+    }
+    if (command.verb == "about") {
+        program.openAbout();
+        return {ExitStatus::success, ""};
+    }
     if (command.verb == "status") {
         return status(program);
     }

@@ -11,7 +11,7 @@ namespace quillon {
 class PinnedWindowTracker;
 
 /// What scripts can ask of the running program: `pin [WINDOW|front]`, `unpin [WINDOW|front|all]`, `toggle`, `list`,
-/// `menu` and `status`. WINDOW is a window number, decimal or hexadecimal after 0x. Main thread.
+/// `menu`, `settings`, `about` and `status`. WINDOW is a window number, decimal or hexadecimal after 0x. Main thread.
 namespace ScriptCommands {
 
 /// What the commands need of the running program.
@@ -21,6 +21,8 @@ struct Program {
     std::function<void()> togglePinFrontmostWindow;
     /// False when the menu cannot be opened now.
     std::function<bool()> openMenuAtPointer;
+    std::function<void()> openSettings;
+    std::function<void()> openAbout;
     /// For the user to read.
     std::string shortcut;
     ShortcutState shortcutState = ShortcutState::notSet;

@@ -35,10 +35,6 @@ bool routesInputThroughAccessibility() {
     return platform().processInfo().operatingSystemVersion() >= OperatingSystemVersion{27, 0, 0};
 }
 
-CollectionBehavior collectionBehavior() {
-    return {.canJoinAllSpaces = Defaults::boolForKey(Defaults::pinToAllSpaces), .fullScreenAuxiliary = true};
-}
-
 bool isMouseDown(EventType type) {
     return type == EventType::leftMouseDown || type == EventType::rightMouseDown || type == EventType::otherMouseDown;
 }
@@ -65,7 +61,7 @@ WindowOverlay::WindowOverlay(WindowID windowID, ProcessID pid)
     const auto contentRect = getWindowFrame(windowID).value_or(fallbackFrame);
     panel = platform().panels().makePanel(contentRect, *this);
     panel->setLevel(floatingWindowLevel);
-    panel->setCollectionBehavior(collectionBehavior());
+    applyCollectionBehavior();
     canvas.emplace(WindowRect{{0, 0}, contentRect.size}, *contentLayer);
     canvas->view().setResizesWithContainer();
     panel->setContentView(canvas->view());
@@ -75,9 +71,8 @@ WindowOverlay::WindowOverlay(WindowID windowID, ProcessID pid)
 WindowOverlay::~WindowOverlay() = default;
 
 bool WindowOverlay::forwardEvents() {
-    const auto stored = platform().userDefaults().object(Defaults::forwardEvents);
-    const auto* value = stored ? std::get_if<bool>(&*stored) : nullptr;
-    return value != nullptr ? *value : !routesInputThroughAccessibility();
+    const auto stored = Defaults::storedBool(Defaults::forwardEvents);
+    return stored ? *stored : !routesInputThroughAccessibility();
 }
 
 std::optional<DisplayRect> WindowOverlay::windowBounds(WindowID windowID) {
@@ -102,6 +97,11 @@ std::optional<ScreenRect> WindowOverlay::getWindowFrame(WindowID windowID) {
 }
 
 // Placement and showing
+
+void WindowOverlay::applyCollectionBehavior() {
+    panel->setCollectionBehavior(
+        {.canJoinAllSpaces = Defaults::boolForKey(Defaults::pinToAllSpaces), .fullScreenAuxiliary = true});
+}
 
 void WindowOverlay::startFrameSync() {
     frameSyncTimer.reset();

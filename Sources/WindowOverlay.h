@@ -43,11 +43,15 @@ public:
     void activateRealWindow();
     /// Hands a changed capture rate to the running stream, if there is one.
     void applyCaptureRate();
+    /// Shows the panel on every Space or on one, as the user has chosen.
+    void applyCollectionBehavior();
 
     /// Whether input is handed on to real windows. The user default when it is stored as a truth, else on
     /// below macOS 27 and off from there on. (The settings switch shows on when nothing is stored; the two
     /// defaults are meant to differ.)
     [[nodiscard]] static bool forwardEvents();
+    /// The stored rate in frames per second, or the default; may be slower than what is captured at.
+    [[nodiscard]] static double captureRate();
     /// None when the window has gone or cannot be described.
     [[nodiscard]] static std::optional<ScreenRect> getWindowFrame(WindowID windowID);
     [[nodiscard]] static std::optional<DisplayRect> windowBounds(WindowID windowID);

@@ -29,12 +29,6 @@ constexpr int streamQueueDepth = 5;
 /// Pixels per point when there is no screen to ask.
 constexpr double fallbackScale = 2.0;
 
-/// The stored rate, or the default; may be slower than what is captured at.
-double captureRate() {
-    const double stored = Defaults::doubleForKey(Defaults::captureRate);
-    return stored > 0 ? stored : defaultCaptureRate;
-}
-
 std::int64_t pixels(double points, double pixelScale) {
     const double product = std::trunc(points * pixelScale);
     // 2^63, the first whole number that a 64-bit integer cannot hold.
@@ -63,6 +57,11 @@ CaptureStream::Completion loggingErrors(std::string text) {
 }
 
 } // namespace
+
+double WindowOverlay::captureRate() {
+    const double stored = Defaults::doubleForKey(Defaults::captureRate);
+    return stored > 0 ? stored : defaultCaptureRate;
+}
 
 void WindowOverlay::resolveSCWindow(bool thenStartStream) {
     auto arrived = weakly([thenStartStream](WindowOverlay& self, const auto& result) {

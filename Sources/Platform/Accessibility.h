@@ -76,8 +76,9 @@ public:
 
     /// AXIsProcessTrusted.
     [[nodiscard]] virtual bool isProcessTrusted() const = 0;
-    /// AXIsProcessTrustedWithOptions with kAXTrustedCheckOptionPrompt: the system asks the user. Main thread.
-    virtual void promptForTrust() = 0;
+    /// AXIsProcessTrustedWithOptions with kAXTrustedCheckOptionPrompt: the system asks the user when it has to. True
+    /// when the process is trusted now. Main thread.
+    virtual bool promptForTrust() = 0;
     /// Never null, even when no such process runs; reads from it then fail.
     [[nodiscard]] virtual std::shared_ptr<AccessibilityElement> applicationElement(ProcessID pid) const = 0;
 };

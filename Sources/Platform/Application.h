@@ -55,6 +55,8 @@ public:
     /// Calls `applicationDidFinishLaunching`, then serves events until termination was asked for, calls
     /// `applicationWillTerminate` and returns (or ends the process, where the platform does so).
     virtual void run() = 0;
+    /// Makes the program the active one, whatever the user is working in (activateIgnoringOtherApps:).
+    virtual void activateIgnoringOtherApps() = 0;
     /// Asks the event loop to end; returns at once on platforms whose loop ends later.
     virtual void terminate() = 0;
 };

@@ -11,6 +11,8 @@ namespace quillon {
 /// Posted by the platform when screens come, go or change (NSApplicationDidChangeScreenParametersNotification).
 inline constexpr std::string_view screenParametersDidChangeNotification =
     "NSApplicationDidChangeScreenParametersNotification";
+/// Posted by the platform when the program becomes the active one (NSApplicationDidBecomeActiveNotification).
+inline constexpr std::string_view applicationDidBecomeActiveNotification = "NSApplicationDidBecomeActiveNotification";
 
 /// Notifications inside this process (the default NSNotificationCenter). Main thread.
 class NotificationCenter {

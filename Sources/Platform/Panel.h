@@ -62,6 +62,8 @@ struct CollectionBehavior {
     bool canJoinAllSpaces = false;
     /// It may lie over another application's full-screen window.
     bool fullScreenAuxiliary = false;
+    /// It comes to the Space that the user is on when it becomes active, instead of switching to its own.
+    bool moveToActiveSpace = false;
 
     bool operator==(const CollectionBehavior&) const = default;
 };

@@ -143,6 +143,11 @@ public:
     /// One picture (SCScreenshotManager).
     virtual void captureImage(const std::shared_ptr<ContentFilter>& filter, const StreamConfiguration& configuration,
                               ImageCompletion completion) = 0;
+    /// CGPreflightScreenCaptureAccess. Checks only. Main thread.
+    [[nodiscard]] virtual bool preflightAccess() const = 0;
+    /// CGRequestScreenCaptureAccess: the system asks the user when it has to. True when access is granted now. Main
+    /// thread.
+    virtual bool requestAccess() = 0;
 };
 
 } // namespace quillon

@@ -11,6 +11,8 @@ struct Screen {
     ScreenRect frame;
     /// Pixels per point.
     double backingScaleFactor = 1;
+    /// The part that menu bar, Dock and panels of the desktop leave free.
+    ScreenRect visibleFrame = {};
 };
 
 /// The screens (NSScreen). Main thread. A change is announced through the notification centre with
@@ -23,6 +25,8 @@ public:
     [[nodiscard]] virtual std::vector<Screen> screens() const = 0;
     /// The screen of the window that has the keyboard focus; none without a screen.
     [[nodiscard]] virtual std::optional<Screen> mainScreen() const = 0;
+    /// The pointer (NSEvent.mouseLocation).
+    [[nodiscard]] virtual ScreenPoint mouseLocation() const = 0;
 };
 
 } // namespace quillon

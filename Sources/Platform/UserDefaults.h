@@ -1,6 +1,9 @@
 #pragma once
 
+#include "Platform/Registration.h"
+
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,6 +29,9 @@ public:
     [[nodiscard]] virtual std::optional<PropertyValue> object(std::string_view key) const = 0;
     virtual void set(std::string_view key, const PropertyValue& value) = 0;
     virtual void remove(std::string_view key) = 0;
+    /// Called on the main thread after the value of the key has changed, whoever changed it (key-value observing of
+    /// NSUserDefaults); a change made on the main thread may be told before the call that makes it returns. Main thread.
+    [[nodiscard]] virtual RegistrationToken observe(std::string_view key, std::function<void()> callback) = 0;
 };
 
 } // namespace quillon

@@ -6,6 +6,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace quillon {
 
@@ -32,6 +33,8 @@ public:
     /// Brings the application to the front, with the windows that are in front of its others
     /// (activateWithOptions: without options). Does nothing when no such application runs.
     virtual void activateApplication(ProcessID pid) = 0;
+    /// Opens it with whatever program it belongs to (openURL:). Does nothing when the text is no URL.
+    virtual void openURL(std::string_view url) = 0;
     /// An application became the frontmost one (NSWorkspaceDidActivateApplicationNotification).
     [[nodiscard]] virtual RegistrationToken observeDidActivateApplication(ApplicationCallback callback) = 0;
     /// An application ended (NSWorkspaceDidTerminateApplicationNotification).

@@ -1,3 +1,4 @@
+#include "MacWindowUser.h"
 #include "RealFilesWorld.h"
 
 #include "Platform/Application.h"
@@ -28,7 +29,8 @@
 //   - Screen Recording ("Screen & System Audio Recording" from macOS 15 on), for the titles and pictures of windows.
 //
 // Both are switched on in System Settings under Privacy & Security. Without them the tests that need them fail and
-// name the one that is missing.
+// name the one that is missing. So do those of the keyboard focus without "Keyboard navigation", which is switched on
+// there under Keyboard.
 
 namespace quillon::contract {
 namespace {
@@ -178,6 +180,11 @@ void makeFrontmost(ProcessID pid) {
             "the sample program cannot be brought to the front");
 }
 
+/// The primary screen comes first; its top left is the origin of the displays' coordinates.
+CGPoint toDisplay(const ScreenPoint& point) {
+    return {point.x, NSScreen.screens.firstObject.frame.size.height - point.y};
+}
+
 std::string text(const DisplayRect& rect) {
     return fmt::format("{} {} {} {}", rect.minX(), rect.minY(), rect.size.width, rect.size.height);
 }
@@ -241,13 +248,16 @@ public:
 
     void click(const ScreenPoint& point) override {
         requireControlOfOtherPrograms();
-        // The primary screen comes first; its top left is the events' origin.
-        const CGPoint place{point.x, NSScreen.screens.firstObject.frame.size.height - point.y};
+        const CGPoint place = toDisplay(point);
         for (const CGEventType type : {kCGEventMouseMoved, kCGEventLeftMouseDown, kCGEventLeftMouseUp}) {
             const auto event =
                 Retained<CGEventRef>::adopt(CGEventCreateMouseEvent(nullptr, type, place, kCGMouseButtonLeft));
             CGEventPost(kCGHIDEventTap, event.get());
         }
+    }
+
+    void movePointer(const ScreenPoint& point) override {
+        require(CGWarpMouseCursorPosition(toDisplay(point)) == kCGErrorSuccess, "the pointer cannot be moved");
     }
 
     void pressKey(const KeyPress& press) override {
@@ -271,6 +281,28 @@ public:
     bool openStatusMenu(StatusItem& /*item*/) override { return false; }
     void chooseMenuItem(const std::string& /*title*/) override { throw std::logic_error("no menu is open"); }
     void dismissMenu() override { throw std::logic_error("no menu is open"); }
+
+    WindowUser* windowUser() override { return &user; }
+
+    bool writeDefault(const std::string& key, const std::string& value) override {
+        NSTask* const task = [[NSTask alloc] init];
+        task.executableURL = [NSURL fileURLWithPath:@"/usr/bin/defaults"];
+        // A program that is no bundle has its settings under its name.
+        task.arguments = @[
+            @"write", NSProcessInfo.processInfo.processName, macos::toNSString(key), @"-string",
+            macos::toNSString(value)
+        ];
+        require([task launchAndReturnError:nil], "there is no program that changes settings");
+        [task waitUntilExit];
+        require(task.terminationStatus == 0, "a setting cannot be changed");
+        return true;
+    }
+    /// The user's own Dock and permissions are left alone.
+    bool showDock(double /*height*/) override { return false; }
+    /// The service takes bundles only.
+    bool canLaunchAtLogin() override { return false; }
+    bool switchLoginItemOff() override { return false; }
+    bool setTrusted(bool /*isTrusted*/) override { return false; }
 
     /// Another size of the main display, until the world or at the latest the process ends; there is none on a display
     /// with one size only.
@@ -321,6 +353,7 @@ private:
     /// What the tests write lies below it.
     const std::string testDirectory = macPlatform.fileSystem().userLibraryDirectory().value() + "/Contract";
     std::vector<std::unique_ptr<SampleProgram>> samples;
+    MacWindowUser user;
     bool screensAreChanged = false;
 };
 

@@ -1,5 +1,7 @@
 #include "World.h"
 
+#include "SimulatedWindowUser.h"
+
 #include "Simulated/Desktop.h"
 
 #include <map>
@@ -39,7 +41,12 @@ public:
     void kill(const OtherWindow& window) override { desktop.terminate(window.pid); }
     void click(const ScreenPoint& point) override { desktop.click(point); }
     void pressKey(const KeyPress& press) override {
-        if (desktop.eventTaps().pressKey(press.keyCode, press.modifiers) == TappedEvent::passes) {
+        if (desktop.eventTaps().pressKey(press.keyCode, press.modifiers) == TappedEvent::swallowed) {
+            return;
+        }
+        if (auto* own = desktop.titledWindows().keyWindow()) {
+            pressKeyIn(*own, press);
+        } else {
             ++keyPresses[press.keyCode];
         }
     }
@@ -62,6 +69,28 @@ public:
     }
     void chooseMenuItem(const std::string& title) override { desktop.statusBar().choose(title); }
     void dismissMenu() override { desktop.statusBar().dismissMenu(); }
+    void movePointer(const ScreenPoint& point) override { desktop.screens().setMouseLocation(point); }
+    bool showDock(double height) override {
+        auto screens = desktop.screens().screens();
+        auto& free = screens.front().visibleFrame;
+        free = {{free.minX(), free.minY() + height}, {free.size.width, free.size.height - height}};
+        desktop.changeScreens(std::move(screens));
+        return true;
+    }
+    bool writeDefault(const std::string& key, const std::string& value) override {
+        desktop.userDefaults().store(key, value);
+        return true;
+    }
+    bool canLaunchAtLogin() override { return true; }
+    bool switchLoginItemOff() override {
+        desktop.loginItem().setEnabled(false);
+        return true;
+    }
+    bool setTrusted(bool isTrusted) override {
+        desktop.accessibility().setTrusted(isTrusted);
+        desktop.distributedNotificationCenter().postFromOutside("com.apple.accessibility.api");
+        return true;
+    }
     bool changeScreens() override {
         desktop.changeScreens({{{{0, 0}, {1200, 900}}, 1}});
         return true;
@@ -77,8 +106,19 @@ public:
         desktop.fileSystem().makeSymbolicLink(target, path);
     }
 
+    WindowUser* windowUser() override { return &user; }
+
 private:
+    void pressKeyIn(simulated::SimulatedTitledWindow& window, const KeyPress& press) {
+        constexpr std::uint16_t escapeKey = 53;
+        const auto result = desktop.keyMonitors().deliver({press.keyCode, press.modifiers});
+        if (result == TappedEvent::passes && press.keyCode == escapeKey) {
+            window.pressEscape();
+        }
+    }
+
     simulated::Desktop desktop;
+    SimulatedWindowUser user;
     /// Of the window in front, by key code: what no tap swallowed.
     std::map<std::uint16_t, std::size_t> keyPresses;
 };

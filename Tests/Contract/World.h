@@ -14,6 +14,8 @@
 
 namespace quillon::contract {
 
+class WindowUser;
+
 /// A window that belongs to another process than the one under test.
 struct OtherWindow {
     WindowID windowID = 0;
@@ -72,6 +74,23 @@ public:
     virtual void chooseMenuItem(const std::string& title) = 0;
     /// The user closes the open menu without choosing anything.
     virtual void dismissMenu() = 0;
+    /// Uses the windows of this process; null when a program cannot do that on this desktop. Lives as long as the
+    /// world.
+    [[nodiscard]] virtual WindowUser* windowUser() = 0;
+    /// The user moves the pointer to a point of the panels' coordinates, which lies inside a pixel.
+    virtual void movePointer(const ScreenPoint& point) = 0;
+    /// A Dock takes that height away at the bottom of the primary screen; false when a program cannot do that on this
+    /// desktop.
+    [[nodiscard]] virtual bool showDock(double height) = 0;
+    /// Another program changes a setting; false when none can on this desktop.
+    [[nodiscard]] virtual bool writeDefault(const std::string& key, const std::string& value) = 0;
+    /// Whether this process can be a login item.
+    [[nodiscard]] virtual bool canLaunchAtLogin() = 0;
+    /// The user switches the login item off in the system's own settings; false when a program cannot do that on this
+    /// desktop.
+    [[nodiscard]] virtual bool switchLoginItemOff() = 0;
+    /// The user gives or takes away the Accessibility permission; false when a program cannot do that on this desktop.
+    [[nodiscard]] virtual bool setTrusted(bool isTrusted) = 0;
     /// Changes the number or the size of the screens; false when a program cannot do that on this desktop.
     [[nodiscard]] virtual bool changeScreens() = 0;
 

@@ -43,8 +43,9 @@ protected:
         for (const auto& [name, value] : desktop.environment()) {
             setenv(name.c_str(), value.c_str(), 1);
         }
-        application = makeApplication();
-        platform = std::make_unique<X11Platform>(std::move(std::get<std::unique_ptr<Connection>>(Connection::open())));
+        auto connection = std::move(std::get<std::unique_ptr<Connection>>(Connection::open()));
+        application = makeApplication(connection->scale());
+        platform = std::make_unique<X11Platform>(std::move(connection));
     }
 
     RunningWindow start(const e2e::Command& command) {
@@ -236,6 +237,23 @@ TEST_F(X11AccessibilityTest, AProgramThatIsNotOnTheBusHasNoContent) {
     EXPECT_EQ(errorOfChildren(program.program->pid()), AccessibilityError::noValue);
 }
 
+TEST_F(X11AccessibilityTest, TheProcessIsTrustedWhileTheBusThatIsThereIsSwitchedOn) {
+    const auto becomes = [&](bool trusted) {
+        return client.waitUntil([&] {
+            QCoreApplication::processEvents();
+            return platform->accessibility().isProcessTrusted() == trusted;
+        });
+    };
+    EXPECT_FALSE(platform->accessibility().isProcessTrusted());
+    for (int bus = 0; bus < 2; ++bus) {
+        desktop.startAccessibilityBus();
+        for (const bool enabled : {true, false}) {
+            desktop.setAccessibilityEnabled(enabled);
+            EXPECT_TRUE(becomes(enabled));
+        }
+    }
+}
+
 TEST_F(X11AccessibilityTest, ABusThatComesLaterOrAnewIsFound) {
     const auto early = start({SAMPLE_WINDOW_PROGRAM});
     EXPECT_EQ(errorOfChildren(early.program->pid()), AccessibilityError::apiDisabled);
@@ -304,6 +322,28 @@ TEST_F(X11AccessibilityTest, ElementsWaitAsLongAsTheOneThatTheyCameFrom) {
               AccessibilityError::cannotComplete);
     EXPECT_LE(Seconds(Clock::now() - begin).count(), 0.4);
     program.program->send(SIGCONT);
+}
+
+TEST_F(X11AccessibilityTest, ABusThatHangsHoldsUpTheStartForAMomentAndIsListenedToLater) {
+    desktop.setAccessibilityEnabled(true);
+    const auto owner = e2e::run({"dbus-send", "--session", "--print-reply", "--dest=org.freedesktop.DBus", "/",
+                                 "org.freedesktop.DBus.GetConnectionUnixProcessID", "string:org.a11y.Bus"},
+                                desktop.environment());
+    ASSERT_EQ(owner.status, 0) << owner.errors;
+    const auto number = owner.output.find("uint32 ");
+    ASSERT_NE(number, std::string::npos) << owner.output;
+    const auto launcher = static_cast<pid_t>(std::stoi(owner.output.substr(number + 7)));
+    kill(launcher, SIGSTOP);
+    for (const double longest : {0.4, 0.05}) {
+        const auto begin = Clock::now();
+        EXPECT_FALSE(platform->accessibility().isProcessTrusted());
+        EXPECT_LE(Seconds(Clock::now() - begin).count(), longest);
+    }
+    kill(launcher, SIGCONT);
+    EXPECT_TRUE(client.waitUntil([&] {
+        QCoreApplication::processEvents();
+        return platform->accessibility().isProcessTrusted();
+    }));
 }
 
 class X11AccessibilityOfBadPrograms : public X11AccessibilityTest, public testing::WithParamInterface<const char*> {};

@@ -2,10 +2,12 @@
 
 #include "Platform/X11/ClickCounter.h"
 #include "Platform/X11/ScrollSteps.h"
+#include "Platform/X11/XSettings.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
+#include <unordered_map>
 
 namespace quillon::x11 {
 namespace {
@@ -70,11 +72,11 @@ const std::string littleEndianSettings = "\0\0\0\0"
                                          "\0\0\0\0"
                                          "\377\377\377\377"s;
 
-TEST(X11Settings, TheNumbersAreRead) {
+TEST(X11Settings, NumbersAndTextsAreRead) {
     const auto settings = parseXSettings(littleEndianSettings);
-    EXPECT_EQ(settings.size(), 2U);
-    EXPECT_EQ(settings.at("Net/DoubleClickTime"), 250);
-    EXPECT_EQ(settings.at("n"), -1);
+    EXPECT_EQ(settings.numbers,
+              (std::unordered_map<std::string, std::int32_t>{{"Net/DoubleClickTime", 250}, {"n", -1}}));
+    EXPECT_EQ(settings.texts, (std::unordered_map<std::string, std::string>{{"abc", "hello"}}));
 }
 
 TEST(X11Settings, OfEitherByteOrder) {
@@ -85,14 +87,15 @@ TEST(X11Settings, OfEitherByteOrder) {
                                          "n\0\0\0"
                                          "\0\0\0\0"
                                          "\0\0\1\372"s);
-    EXPECT_EQ(settings.at("n"), 506);
+    EXPECT_EQ(settings.numbers.at("n"), 506);
 }
 
 TEST(X11Settings, WhatIsCutOffAnywhereDoesNoHarm) {
     for (std::size_t length = 0; length < littleEndianSettings.size(); ++length) {
         const auto settings = parseXSettings(std::string_view(littleEndianSettings).substr(0, length));
-        EXPECT_FALSE(settings.contains("n")) << length;
-        EXPECT_LE(settings.size(), 1U) << length;
+        EXPECT_FALSE(settings.numbers.contains("n")) << length;
+        EXPECT_LE(settings.numbers.size(), 1U) << length;
+        EXPECT_TRUE(settings.texts.empty() || settings.texts.at("abc") == "hello") << length;
     }
 }
 

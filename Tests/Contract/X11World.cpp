@@ -2,6 +2,7 @@
 
 #include "Desktop.h"
 #include "EvdevKeys.h"
+#include "X11WindowUser.h"
 #include "XClient.h"
 
 #include "Platform/Scheduler.h"
@@ -17,6 +18,8 @@
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <stdexcept>
 #include <vector>
 
@@ -60,12 +63,13 @@ public:
         for (const auto& [name, value] : desktop.environment()) {
             setenv(name.c_str(), value.c_str(), 1);
         }
-        application = x11::makeApplication();
         auto opened = x11::Connection::open();
         if (const auto* problem = std::get_if<std::string>(&opened)) {
             throw std::runtime_error(*problem);
         }
-        x11Platform = std::make_unique<x11::X11Platform>(std::move(std::get<std::unique_ptr<x11::Connection>>(opened)));
+        auto& connection = std::get<std::unique_ptr<x11::Connection>>(opened);
+        application = x11::makeApplication(connection->scale());
+        x11Platform = std::make_unique<x11::X11Platform>(std::move(connection));
     }
 
     [[nodiscard]] Platform& platform() override { return *x11Platform; }
@@ -217,6 +221,32 @@ public:
         clickAt(0, 0);
         require(runUntil([] { return openMenu() == nullptr; }, bound));
     }
+    void movePointer(const ScreenPoint& point) override {
+        client.movePointer(static_cast<int>(point.x), screenHeight() - 1 - static_cast<int>(point.y));
+    }
+    bool showDock(double height) override {
+        programs.push_back(desktop.start({"trayer", "--edge", "bottom", "--widthtype", "percent", "--width", "100",
+                                          "--height", std::to_string(static_cast<int>(height)), "--SetDockType", "true",
+                                          "--SetPartialStrut", "true"}));
+        return true;
+    }
+    bool writeDefault(const std::string& key, const std::string& value) override {
+        require(e2e::run({QUILLON_PROGRAM, "defaults", "write", key, value}, desktop.environment()).status == 0);
+        return true;
+    }
+    bool canLaunchAtLogin() override { return true; }
+    bool switchLoginItemOff() override {
+        const auto entry = std::filesystem::path(desktop.environment().at("XDG_CONFIG_HOME")) / "autostart" /
+                           "local.quillon.floating.desktop";
+        require(std::filesystem::exists(entry));
+        std::ofstream(entry, std::ios::app) << "Hidden=true\n";
+        return true;
+    }
+    bool setTrusted(bool isTrusted) override {
+        desktop.setAccessibilityEnabled(isTrusted);
+        return true;
+    }
+    WindowUser* windowUser() override { return &user; }
     bool changeScreens() override {
         for (const auto& arguments : std::vector<e2e::Command>{
                  {"--newmode", "smaller", "30", "1200", "1200", "1200", "1200", "900", "900", "900", "900"},
@@ -252,6 +282,7 @@ private:
 
     e2e::Desktop desktop{e2e::DesktopOptions{}};
     e2e::XClient client{desktop.displayName()};
+    X11WindowUser user{*this, client};
     std::vector<std::unique_ptr<Program>> programs;
     std::uint32_t content = 100;
     std::unique_ptr<Program> tray;

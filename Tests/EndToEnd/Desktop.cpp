@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <fstream>
 #include <stdexcept>
+#include <tuple>
 #include <unistd.h>
 
 namespace quillon::e2e {
@@ -46,7 +47,7 @@ Desktop::Desktop(const DesktopOptions& options) {
     root = pattern;
     makeDirectories();
     startServer(options);
-    startSessionBus();
+    startSessionBus(options);
     startWindowManager(options);
 }
 
@@ -108,9 +109,18 @@ void Desktop::startServer(const DesktopOptions& options) {
     programs.push_back(std::move(server.program));
 }
 
-void Desktop::startSessionBus() {
+void Desktop::startSessionBus(const DesktopOptions& options) {
     const auto address = "unix:path=" + (root / "runtime" / "bus").string();
-    auto bus = startAnnounced({"dbus-daemon", "--session", "--nofork", "--address=" + address, "--print-address="},
+    std::string configuration = "--session";
+    if (!options.hasAccessibility) {
+        // Of a bus that can start no service.
+        const auto file = root / "bus.conf";
+        std::ofstream(file) << "<busconfig><type>session</type><listen>" << address
+                            << "</listen><policy context=\"default\"><allow send_destination=\"*\"/>"
+                               "<allow eavesdrop=\"true\"/><allow own=\"*\"/></policy></busconfig>\n";
+        configuration = "--config-file=" + file.string();
+    }
+    auto bus = startAnnounced({"dbus-daemon", configuration, "--nofork", "--address=" + address, "--print-address="},
                               variables, SIGKILL);
     variables["DBUS_SESSION_BUS_ADDRESS"] = address;
     programs.push_back(std::move(bus.program));
@@ -146,6 +156,34 @@ void Desktop::startAccessibilityBus() {
     if (!isListening) {
         throw std::runtime_error("the accessibility bus did not start: " + accessibilityBus->errors());
     }
+}
+
+void Desktop::setAccessibilityEnabled(bool isEnabled) {
+    if (!accessibilityBus) {
+        startAccessibilityBus();
+    }
+    std::ignore = askAccessibilityBus("Set", {std::string("variant:boolean:") + (isEnabled ? "true" : "false")});
+}
+
+bool Desktop::isAccessibilityEnabled() const {
+    return askAccessibilityBus("Get", {}).find("boolean true") != std::string::npos;
+}
+
+std::string Desktop::askAccessibilityBus(const std::string& method, const Command& arguments) const {
+    Command command{"dbus-send",
+                    "--session",
+                    "--print-reply",
+                    "--dest=org.a11y.Bus",
+                    "/org/a11y/bus",
+                    "org.freedesktop.DBus.Properties." + method,
+                    "string:org.a11y.Status",
+                    "string:IsEnabled"};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    const auto outcome = run(command, variables);
+    if (outcome.status != 0) {
+        throw std::runtime_error("the accessibility bus does not answer: " + outcome.errors);
+    }
+    return outcome.output;
 }
 
 void Desktop::stopServer() {

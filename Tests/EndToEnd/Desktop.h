@@ -18,6 +18,8 @@ struct DesktopOptions {
     WindowManager windowManager = WindowManager::openbox;
     /// The Xft.dpi resource.
     int dpi = 96;
+    /// Whether an accessibility bus is installed.
+    bool hasAccessibility = true;
     /// For the X server, beside those that every test needs.
     std::vector<std::string> serverOptions{};
 };
@@ -41,6 +43,11 @@ public:
 
     /// Starts the accessibility bus, or a new one in its place. Programs that are started from now on are on it.
     void startAccessibilityBus();
+    /// Switches the session's accessibility on or off, as the desktop's own settings do. Starts the bus if there is
+    /// none.
+    void setAccessibilityEnabled(bool isEnabled);
+    /// Starts the bus if there is none.
+    [[nodiscard]] bool isAccessibilityEnabled() const;
 
     /// The X server ends, and everything on it with it.
     void stopServer();
@@ -48,8 +55,9 @@ public:
 private:
     void makeDirectories();
     void startServer(const DesktopOptions& options);
-    void startSessionBus();
+    void startSessionBus(const DesktopOptions& options);
     void startWindowManager(const DesktopOptions& options);
+    [[nodiscard]] std::string askAccessibilityBus(const std::string& method, const Command& arguments) const;
 
     std::filesystem::path root;
     Environment variables;

@@ -8,6 +8,9 @@ EndToEndTest::EndToEndTest(const DesktopOptions& options)
     : desktop(options), client(desktop.displayName()), focus(desktop.displayName()), quillon(desktop) {}
 
 void EndToEndTest::TearDown() {
+    if (givesFocus) {
+        return;
+    }
     const auto& own = quillon.startedProcesses();
     for (const auto& change : focus.changes()) {
         const bool isQuillon = change.owner && std::find(own.begin(), own.end(), *change.owner) != own.end();
@@ -72,6 +75,12 @@ void EndToEndTest::play(Window sampleWindow, std::uint32_t contentsPerSecond, bo
 std::uint32_t EndToEndTest::shownContent(Window sampleWindow) const {
     const auto value = client.property(sampleWindow, "_SAMPLE_CONTENT");
     return value.empty() ? 0 : value.front();
+}
+
+std::string EndToEndTest::runOnDesktop(const Command& command) const {
+    const auto outcome = run(command, desktop.environment());
+    EXPECT_EQ(outcome.status, 0) << command.front() << ": " << outcome.errors;
+    return outcome.output;
 }
 
 void EndToEndTest::activate(Window window) {

@@ -30,7 +30,7 @@ struct Sample {
 };
 
 /// A test on a desktop of its own. Whatever a test does, at its end it fails if the keyboard focus or the active
-/// window ever went to Quillon.
+/// window ever went to Quillon, unless it has opened one of Quillon's own windows.
 class EndToEndTest : public testing::Test {
 protected:
     explicit EndToEndTest(const DesktopOptions& options = {});
@@ -52,6 +52,9 @@ protected:
     /// Changes the content by itself from now on; 0 to stop.
     void play(Window sampleWindow, std::uint32_t contentsPerSecond, bool onlyRegion = false);
     [[nodiscard]] std::uint32_t shownContent(Window sampleWindow) const;
+
+    /// Runs a program on the desktop to its end; it must succeed. Returns what it writes.
+    std::string runOnDesktop(const Command& command) const;
 
     /// Activates the window and waits until it is active.
     void activate(Window window);
@@ -79,6 +82,8 @@ protected:
     FocusWatch focus;
     QuillonProgram quillon;
     int gripPixels = gripSide;
+    /// The test gives Quillon the keyboard focus.
+    bool givesFocus = false;
 
 private:
     /// Keeps a picture of the moment.

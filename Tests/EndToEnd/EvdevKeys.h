@@ -10,6 +10,8 @@ namespace quillon::e2e {
 
 // X key codes of the test server's keyboard: the numbers of linux/input-event-codes.h plus 8.
 inline constexpr std::uint8_t escapeKey = 9;
+inline constexpr std::uint8_t tabKey = 23;
+inline constexpr std::uint8_t returnKey = 36;
 inline constexpr std::uint8_t controlKey = 37;
 inline constexpr std::uint8_t shiftKey = 50;
 inline constexpr std::uint8_t altKey = 64;
@@ -19,6 +21,9 @@ inline constexpr std::uint8_t numLockKey = 77;
 inline constexpr std::uint8_t superKey = 133;
 inline constexpr std::uint8_t pKey = 33;
 inline constexpr std::uint8_t oKey = 32;
+inline constexpr std::uint8_t kKey = 45;
+inline constexpr std::uint8_t f5Key = 71;
+inline constexpr std::uint8_t downKey = 116;
 
 /// The X key code of the key that has this virtual key code on macOS. Keys that follow each other on the keyboard do
 /// so in evdev's numbers.

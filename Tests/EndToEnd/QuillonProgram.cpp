@@ -23,6 +23,14 @@ std::string quillonPath() {
 }
 
 void QuillonProgram::start(const Command& launcher, const std::vector<std::string>& arguments) {
+    const auto outcome = command({"defaults", "write", "didPromptForAccessibilityStableIdentity", "true"});
+    if (outcome.status != 0) {
+        throw std::runtime_error("The settings cannot be written: " + outcome.errors);
+    }
+    startForTheFirstTime(launcher, arguments);
+}
+
+void QuillonProgram::startForTheFirstTime(const Command& launcher, const std::vector<std::string>& arguments) {
     auto command = launcher;
     command.push_back(quillonPath());
     command.insert(command.end(), arguments.begin(), arguments.end());

@@ -11,8 +11,10 @@ public:
     explicit QuillonProgram(const Desktop& desktop) : desktop(desktop) {}
 
     /// Starts it and waits until it answers commands. Throws when it does not. `launcher` is a command that turns
-    /// into the program that it is given.
+    /// into the program that it is given. It has asked for accessibility before, as far as it knows, and asks no more.
     void start(const Command& launcher = {}, const std::vector<std::string>& arguments = {});
+    /// The same without that.
+    void startForTheFirstTime(const Command& launcher = {}, const std::vector<std::string>& arguments = {});
     /// Asks it to end (SIGTERM) and waits; the exit status, or none when it does not end.
     std::optional<int> stop();
     /// Runs `quillon` with the arguments, to its end.

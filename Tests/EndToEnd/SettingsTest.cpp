@@ -18,6 +18,11 @@ protected:
     [[nodiscard]] std::string read(const std::string& key) const {
         return quillon.command({"defaults", "read", key}).output;
     }
+    /// Nothing in them keeps it from asking for accessibility, unless that is on.
+    void startWithUnusableSettings() {
+        desktop.setAccessibilityEnabled(true);
+        quillon.startForTheFirstTime();
+    }
     /// What is in the files of the settings' directory.
     [[nodiscard]] std::set<std::string> contents() const {
         std::set<std::string> found;
@@ -59,7 +64,7 @@ TEST_F(Settings, ThatAreDamagedAreReportedAndKept) {
     quillon.writeSettings(damaged);
     const auto source = startSample();
     const auto cover = coverEverything();
-    quillon.start();
+    startWithUnusableSettings();
     const auto panel = pinAndShow(source.window());
     EXPECT_TRUE(shows(panel, source.window()));
     EXPECT_NE(quillon.program().errors().find(quillon.settingsFile().string()), std::string::npos);
@@ -88,7 +93,7 @@ TEST_F(Settings, ThatCannotBeReadAreReported) {
     EXPECT_NE(outcome.errors.find(quillon.settingsFile().string()), std::string::npos) << outcome.errors;
     const auto source = startSample();
     const auto cover = coverEverything();
-    quillon.start();
+    startWithUnusableSettings();
     const auto panel = pinAndShow(source.window());
     EXPECT_TRUE(shows(panel, source.window()));
     EXPECT_NE(quillon.program().errors().find(quillon.settingsFile().string()), std::string::npos);

@@ -85,10 +85,6 @@ protected:
                    : testing::AssertionFailure() << quillon.log();
     }
 
-    void runOnDesktop(const Command& command) {
-        const auto outcome = run(command, desktop.environment());
-        ASSERT_EQ(outcome.status, 0) << command.front() << ": " << outcome.errors;
-    }
     /// Changes the description of the keyboard by a sed script.
     void editKeyboard(const std::string& script) {
         runOnDesktop(

@@ -370,7 +370,8 @@ Picture XClient::screenPicture(const Rect& place) const {
 }
 
 Picture XClient::wholeScreen() const {
-    return screenPicture({0, 0, screen->width_in_pixels, screen->height_in_pixels});
+    // Its size when the connection was made may be history.
+    return screenPicture(place(root()).value_or(Rect()));
 }
 
 std::optional<Picture> XClient::windowPicture(Window window) const {

@@ -19,6 +19,12 @@ Desktop::~Desktop() {
         misuse(fmt::format("{} panels and {} views or layers outlive the desktop", panelsPort.all().size(),
                            viewsPort.living()));
     }
+    if (!titledWindowsPort.all().empty()) {
+        misuse(fmt::format("{} titled windows outlive the desktop", titledWindowsPort.all().size()));
+    }
+    if (keyMonitorsPort.count() > 0) {
+        misuse(fmt::format("{} key monitors outlive the desktop", keyMonitorsPort.count()));
+    }
     if (!statusBarPort.items().empty()) {
         misuse(fmt::format("{} status items outlive the desktop", statusBarPort.items().size()));
     }
@@ -50,7 +56,6 @@ WindowID Desktop::openWindow(ProcessID owner, std::optional<std::string> title, 
 }
 
 void Desktop::activate(ProcessID pid) {
-    const auto& application = desktopModel.application(pid);
     // Rotating each to the front from the back keeps their order among themselves.
     std::vector<WindowID> owned;
     for (const auto& window : desktopModel.windows) {
@@ -61,10 +66,7 @@ void Desktop::activate(ProcessID pid) {
     for (auto windowID = owned.rbegin(); windowID != owned.rend(); ++windowID) {
         desktopModel.bringToFront(*windowID);
     }
-    if (desktopModel.frontmost != pid) {
-        desktopModel.frontmost = pid;
-        workspacePort.announceActivation(application.identity);
-    }
+    workspacePort.setFrontmost(pid);
 }
 
 void Desktop::activateWindow(WindowID windowID) {
@@ -119,6 +121,7 @@ void Desktop::terminate(ProcessID pid) {
 
 void Desktop::changeScreens(std::vector<Screen> screens) {
     screensPort.set(std::move(screens));
+    titledWindowsPort.screensChanged();
     schedulerPort.mainAsync([this] { notificationCenterPort.post(screenParametersDidChangeNotification); });
 }
 
@@ -133,6 +136,17 @@ void Desktop::click(const ScreenPoint& point) {
     } else if (const auto* window = windowAt(point)) {
         activateWindow(window->windowID);
     }
+}
+
+TappedEvent Desktop::pressKey(std::uint16_t keyCode, EventFlags flags) {
+    constexpr std::uint16_t escapeKey = 53; // kVK_Escape
+    const auto tapped = eventTapsPort.pressKey(keyCode, flags);
+    auto* window = titledWindowsPort.keyWindow();
+    if (tapped == TappedEvent::passes && window != nullptr &&
+        keyMonitorsPort.deliver({keyCode, flags}) == TappedEvent::passes && keyCode == escapeKey) {
+        window->pressEscape();
+    }
+    return tapped;
 }
 
 const OpenWindow* Desktop::windowAt(const ScreenPoint& point) const {

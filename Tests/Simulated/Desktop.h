@@ -7,9 +7,12 @@
 #include "Simulated/SimulatedApplication.h"
 #include "Simulated/SimulatedBundle.h"
 #include "Simulated/SimulatedClock.h"
+#include "Simulated/SimulatedDistributedNotificationCenter.h"
 #include "Simulated/SimulatedEventTaps.h"
 #include "Simulated/SimulatedFileSystem.h"
 #include "Simulated/SimulatedImages.h"
+#include "Simulated/SimulatedKeyMonitors.h"
+#include "Simulated/SimulatedLoginItem.h"
 #include "Simulated/SimulatedNotificationCenter.h"
 #include "Simulated/SimulatedPanels.h"
 #include "Simulated/SimulatedProcess.h"
@@ -18,6 +21,7 @@
 #include "Simulated/SimulatedScreens.h"
 #include "Simulated/SimulatedStatusBar.h"
 #include "Simulated/SimulatedSyntheticEvents.h"
+#include "Simulated/SimulatedTitledWindows.h"
 #include "Simulated/SimulatedUserDefaults.h"
 #include "Simulated/SimulatedViews.h"
 #include "Simulated/SimulatedWindowServer.h"
@@ -39,7 +43,7 @@ namespace quillon::simulated {
 ///     desktop.activate(notes);
 ///     desktop.advance(Seconds(2));
 ///
-/// What the program made on it (panels, views, timers, open files) has to be gone before the desktop goes.
+/// What the program made on it (panels, windows, views, timers, open files) has to be gone before the desktop goes.
 class Desktop final : public Platform {
 public:
     Desktop();
@@ -49,10 +53,15 @@ public:
     SimulatedAccessibility& accessibility() override { return accessibilityPort; }
     SimulatedBundle& bundle() override { return bundlePort; }
     SimulatedClock& clock() override { return clockPort; }
+    SimulatedDistributedNotificationCenter& distributedNotificationCenter() override {
+        return distributedNotificationCenterPort;
+    }
     SimulatedEventAccess& eventAccess() override { return eventAccessPort; }
     SimulatedEventTaps& eventTaps() override { return eventTapsPort; }
     SimulatedFileSystem& fileSystem() override { return fileSystemPort; }
     SimulatedImages& images() override { return imagesPort; }
+    SimulatedKeyMonitors& keyMonitors() override { return keyMonitorsPort; }
+    SimulatedLoginItem& loginItem() override { return loginItemPort; }
     SimulatedNotificationCenter& notificationCenter() override { return notificationCenterPort; }
     SimulatedPanels& panels() override { return panelsPort; }
     SimulatedProcessInfo& processInfo() override { return processInfoPort; }
@@ -61,6 +70,7 @@ public:
     SimulatedScreens& screens() override { return screensPort; }
     SimulatedStatusBar& statusBar() override { return statusBarPort; }
     SimulatedSyntheticEvents& syntheticEvents() override { return syntheticEventsPort; }
+    SimulatedTitledWindows& titledWindows() override { return titledWindowsPort; }
     SimulatedUserDefaults& userDefaults() override { return userDefaultsPort; }
     SimulatedViews& views() override { return viewsPort; }
     SimulatedWindowServer& windowServer() override { return windowServerPort; }
@@ -87,7 +97,7 @@ public:
     [[nodiscard]] static ProcessID ownPID() { return SimulatedProcessInfo::ownPID; }
     /// In front of all others.
     WindowID openWindow(ProcessID owner, std::optional<std::string> title, const DisplayRect& bounds);
-    /// The user switches to the application; its windows come to the front.
+    /// The user switches to the application, which may be this program; its windows come to the front.
     void activate(ProcessID pid);
     void activateWindow(WindowID windowID);
     void minimise(WindowID windowID);
@@ -103,8 +113,9 @@ public:
     /// Presses and releases the left button over whatever is in front there.
     void click(const ScreenPoint& point);
     /// Presses a key while nothing else than these modifiers is held; says whether an application saw it. What repeats
-    /// while a key is held is one press after the other.
-    TappedEvent pressKey(std::uint16_t keyCode, EventFlags flags) { return eventTapsPort.pressKey(keyCode, flags); }
+    /// while a key is held is one press after the other. While a window of this program is key, the local key monitors
+    /// see what no tap swallowed; of what they let pass, the window knows Escape alone.
+    TappedEvent pressKey(std::uint16_t keyCode, EventFlags flags);
 
 private:
     [[nodiscard]] const OpenWindow* windowAt(const ScreenPoint& point) const;
@@ -114,21 +125,25 @@ private:
     DesktopModel desktopModel;
     SimulatedScheduler schedulerPort{journalOfAll};
     SimulatedClock clockPort{schedulerPort};
-    SimulatedUserDefaults userDefaultsPort{journalOfAll};
+    SimulatedUserDefaults userDefaultsPort{schedulerPort, journalOfAll};
     SimulatedFileSystem fileSystemPort{journalOfAll};
     SimulatedProcessInfo processInfoPort;
-    SimulatedEventAccess eventAccessPort{schedulerPort};
+    SimulatedEventAccess eventAccessPort{schedulerPort, journalOfAll};
     SimulatedNotificationCenter notificationCenterPort{schedulerPort, journalOfAll};
-    SimulatedApplication applicationObject{schedulerPort, journalOfAll};
+    SimulatedDistributedNotificationCenter distributedNotificationCenterPort{schedulerPort, journalOfAll};
     SimulatedScreens screensPort{schedulerPort};
     SimulatedWindowServer windowServerPort{desktopModel};
-    SimulatedWorkspace workspacePort{desktopModel, schedulerPort, journalOfAll};
+    SimulatedWorkspace workspacePort{desktopModel, schedulerPort, notificationCenterPort, journalOfAll};
+    SimulatedApplication applicationObject{workspacePort, schedulerPort, journalOfAll};
     SimulatedAccessibility accessibilityPort{desktopModel, schedulerPort, journalOfAll};
     SimulatedViews viewsPort{schedulerPort, journalOfAll};
     SimulatedPanels panelsPort{schedulerPort, screensPort, viewsPort, journalOfAll};
+    SimulatedTitledWindows titledWindowsPort{desktopModel, screensPort, workspacePort, schedulerPort, journalOfAll};
     SimulatedScreenCapture screenCapturePort{desktopModel, screensPort, schedulerPort, journalOfAll};
     SimulatedBundle bundlePort{schedulerPort};
     SimulatedEventTaps eventTapsPort{accessibilityPort, schedulerPort, journalOfAll};
+    SimulatedKeyMonitors keyMonitorsPort{schedulerPort, journalOfAll};
+    SimulatedLoginItem loginItemPort{schedulerPort, journalOfAll};
     SimulatedImages imagesPort{schedulerPort, journalOfAll};
     SimulatedSyntheticEvents syntheticEventsPort{schedulerPort, journalOfAll};
     SimulatedStatusBar statusBarPort{schedulerPort, imagesPort, journalOfAll};

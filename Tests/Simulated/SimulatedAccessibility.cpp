@@ -179,9 +179,10 @@ bool SimulatedAccessibility::isProcessTrusted() const {
     return isTrusted;
 }
 
-void SimulatedAccessibility::promptForTrust() {
+bool SimulatedAccessibility::promptForTrust() {
     scheduler.requireMain("Accessibility::promptForTrust");
     journal.record("accessibility.promptForTrust");
+    return isTrusted;
 }
 
 std::shared_ptr<AccessibilityElement> SimulatedAccessibility::applicationElement(ProcessID pid) const {

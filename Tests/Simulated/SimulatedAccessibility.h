@@ -98,7 +98,7 @@ public:
     ~SimulatedAccessibility() override;
 
     [[nodiscard]] bool isProcessTrusted() const override;
-    void promptForTrust() override;
+    bool promptForTrust() override;
     [[nodiscard]] std::shared_ptr<AccessibilityElement> applicationElement(ProcessID pid) const override;
 
     void setTrusted(bool trusted) { isTrusted = trusted; }

@@ -74,6 +74,12 @@ void SimulatedApplication::run() {
     requireDelegate()->applicationWillTerminate();
 }
 
+void SimulatedApplication::activateIgnoringOtherApps() {
+    scheduler.requireMain("Application::activateIgnoringOtherApps");
+    journal.record("application.activateIgnoringOtherApps");
+    workspace.setFrontmost(SimulatedProcessInfo::ownPID);
+}
+
 void SimulatedApplication::terminate() {
     scheduler.requireMain("Application::terminate");
     journal.record("application.terminate");

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Platform/Application.h"
-#include "Simulated/SimulatedScheduler.h"
+#include "Simulated/SimulatedWorkspace.h"
 
 #include <functional>
 
@@ -11,12 +11,14 @@ namespace quillon::simulated {
 /// application runs, and terminates.
 class SimulatedApplication final : public Application {
 public:
-    SimulatedApplication(SimulatedScheduler& scheduler, Journal& journal) : scheduler(scheduler), journal(journal) {}
+    SimulatedApplication(SimulatedWorkspace& workspace, SimulatedScheduler& scheduler, Journal& journal)
+        : workspace(workspace), scheduler(scheduler), journal(journal) {}
 
     void setDelegate(std::weak_ptr<ApplicationDelegate> newDelegate) override;
     void setActivationPolicy(ActivationPolicy policy) override;
     void setMainMenu(std::shared_ptr<Menu> menu) override;
     void run() override;
+    void activateIgnoringOtherApps() override;
     void terminate() override;
 
     [[nodiscard]] const std::shared_ptr<Menu>& mainMenu() const { return currentMainMenu; }
@@ -31,6 +33,7 @@ private:
     /// Stops the test when the delegate is gone.
     [[nodiscard]] std::shared_ptr<ApplicationDelegate> requireDelegate() const;
 
+    SimulatedWorkspace& workspace;
     SimulatedScheduler& scheduler;
     Journal& journal;
     std::weak_ptr<ApplicationDelegate> currentDelegate;

@@ -1,29 +1,18 @@
 #include "Simulated/SimulatedPanels.h"
 
+#include "Simulated/Frames.h"
 #include "Simulated/Misuse.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace quillon::simulated {
 
 namespace {
 
-void requireFrame(const ScreenRect& frame, std::string_view operation) {
-    const auto& [origin, size] = frame;
-    if (!std::isfinite(origin.x) || !std::isfinite(origin.y) || std::isnan(size.width) || std::isnan(size.height)) {
-        misuse(fmt::format("{} with a frame that is no rectangle", operation));
-    }
-}
-
 void requireAlpha(double alpha, std::string_view operation) {
     if (!(alpha >= 0 && alpha <= 1)) {
         misuse(fmt::format("{} with the opacity {}", operation, alpha));
     }
-}
-
-std::string text(const ScreenRect& rect) {
-    return fmt::format("{},{} {}x{}", rect.origin.x, rect.origin.y, rect.size.width, rect.size.height);
 }
 
 } // namespace
@@ -54,7 +43,7 @@ ScreenRect SimulatedPanel::frame() const {
 void SimulatedPanel::setFrame(const ScreenRect& frame, bool display) {
     panels.scheduler.requireMain("Panel::setFrame");
     requireFrame(frame, "Panel::setFrame");
-    panels.journal.record("panel.setFrame {} display={}", text(frame), display);
+    panels.journal.record("panel.setFrame {} display={}", describe(frame), display);
     currentFrame = frame;
     if (content != nullptr) {
         content->setFrame({{0, 0}, frame.size});
@@ -180,7 +169,7 @@ void SimulatedPanel::inject(const PanelEvent& event) {
 std::unique_ptr<Panel> SimulatedPanels::makePanel(const ScreenRect& contentRect, PanelDelegate& delegate) {
     scheduler.requireMain("Panels::makePanel");
     requireFrame(contentRect, "Panels::makePanel");
-    journal.record("panels.makePanel {}", text(contentRect));
+    journal.record("panels.makePanel {}", describe(contentRect));
     return std::make_unique<SimulatedPanel>(*this, contentRect, delegate);
 }
 

@@ -26,10 +26,17 @@ private:
 
 class SimulatedEventAccess final : public EventAccess {
 public:
-    explicit SimulatedEventAccess(const SimulatedScheduler& scheduler) : scheduler(scheduler) {}
+    SimulatedEventAccess(const SimulatedScheduler& scheduler, Journal& journal)
+        : scheduler(scheduler), journal(journal) {}
 
     [[nodiscard]] bool preflightPostEventAccess() const override {
         scheduler.requireMain("EventAccess::preflightPostEventAccess");
+        return mayPost;
+    }
+    bool requestPostEventAccess() override {
+        scheduler.requireMain("EventAccess::requestPostEventAccess");
+        journal.record("eventAccess.requestPostEventAccess");
+        mayPost = mayPost || grantsPost;
         return mayPost;
     }
     [[nodiscard]] bool preflightListenEventAccess() const override {
@@ -41,9 +48,13 @@ public:
         mayPost = post;
         mayListen = listen;
     }
+    /// From now on the user grants what the program requests.
+    void grantPostOnRequest() { grantsPost = true; }
 
 private:
     const SimulatedScheduler& scheduler;
+    Journal& journal;
+    bool grantsPost = false;
     bool mayPost = true;
     bool mayListen = true;
 };

@@ -232,6 +232,18 @@ void SimulatedScreenCapture::captureImage(const std::shared_ptr<ContentFilter>& 
           });
 }
 
+bool SimulatedScreenCapture::preflightAccess() const {
+    scheduler.requireMain("ScreenCapture::preflightAccess");
+    return hasAccess;
+}
+
+bool SimulatedScreenCapture::requestAccess() {
+    scheduler.requireMain("ScreenCapture::requestAccess");
+    journal.record("screenCapture.requestAccess");
+    hasAccess = hasAccess || grantsAccess;
+    return hasAccess;
+}
+
 void SimulatedScreenCapture::failNext(CaptureOperation operation, CaptureError error) {
     plannedErrors[operation].push_back(std::move(error));
 }

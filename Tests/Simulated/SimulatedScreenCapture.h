@@ -94,7 +94,12 @@ public:
                                                             StoppedCallback stopped) override;
     void captureImage(const std::shared_ptr<ContentFilter>& filter, const StreamConfiguration& configuration,
                       ImageCompletion completion) override;
+    [[nodiscard]] bool preflightAccess() const override;
+    bool requestAccess() override;
 
+    void setAccess(bool granted) { hasAccess = granted; }
+    /// From now on the user grants what the program requests.
+    void grantAccessOnRequest() { grantsAccess = true; }
     /// The next operation of that kind that completes fails.
     void failNext(CaptureOperation operation, CaptureError error);
     void failNextAddStreamOutput(CaptureError error) { outputError = std::move(error); }
@@ -150,6 +155,8 @@ private:
     std::optional<double> filterScale;
     std::optional<StreamConfiguration> screenshotConfiguration;
     std::vector<std::weak_ptr<SimulatedCaptureStream>> madeStreams;
+    bool hasAccess = true;
+    bool grantsAccess = false;
     int nextSurface = 1;
 };
 

@@ -30,19 +30,51 @@ std::optional<PropertyValue> SimulatedUserDefaults::object(std::string_view key)
 void SimulatedUserDefaults::set(std::string_view key, const PropertyValue& value) {
     requireKey(key, "set");
     journal.record("userDefaults.set {}={}", key, std::visit(AsText(), value));
-    store(key, value);
+    change(key, value);
 }
 
 void SimulatedUserDefaults::remove(std::string_view key) {
     requireKey(key, "remove");
     journal.record("userDefaults.remove {}", key);
-    if (const auto entry = values.find(key); entry != values.end()) {
-        values.erase(entry);
-    }
+    change(key, std::nullopt);
+}
+
+RegistrationToken SimulatedUserDefaults::observe(std::string_view key, std::function<void()> callback) {
+    requireKey(key, "observe");
+    scheduler.requireMain("UserDefaults::observe");
+    journal.record("userDefaults.observe {}", key);
+    const auto checkRelease = [this, key = std::string(key)] {
+        scheduler.requireMain("ending an observation of a setting");
+        journal.record("userDefaults.endObserving {}", key);
+    };
+    return observers.try_emplace(std::string(key), checkRelease).first->second.add(std::move(callback));
 }
 
 void SimulatedUserDefaults::store(std::string_view key, PropertyValue value) {
-    values.insert_or_assign(std::string(key), std::move(value));
+    change(key, std::move(value));
+}
+
+void SimulatedUserDefaults::change(std::string_view key, std::optional<PropertyValue> value) {
+    const auto entry = values.find(key);
+    if (value == (entry == values.end() ? std::nullopt : std::optional(entry->second))) {
+        return;
+    }
+    if (value) {
+        values.insert_or_assign(std::string(key), *std::move(value));
+    } else {
+        values.erase(entry);
+    }
+    if (scheduler.currentQueue() == mainQueue) {
+        notify(std::string(key));
+    } else {
+        scheduler.mainAsync([this, key = std::string(key)] { notify(key); });
+    }
+}
+
+void SimulatedUserDefaults::notify(const std::string& key) const {
+    if (const auto entry = observers.find(key); entry != observers.end()) {
+        entry->second.notify();
+    }
 }
 
 } // namespace quillon::simulated

@@ -2,8 +2,9 @@
 
 namespace quillon::simulated {
 
-SimulatedWorkspace::SimulatedWorkspace(DesktopModel& model, SimulatedScheduler& scheduler, Journal& journal)
-    : model(model), scheduler(scheduler), journal(journal), activations([this] {
+SimulatedWorkspace::SimulatedWorkspace(DesktopModel& model, SimulatedScheduler& scheduler,
+                                       SimulatedNotificationCenter& notificationCenter, Journal& journal)
+    : model(model), scheduler(scheduler), notificationCenter(notificationCenter), journal(journal), activations([this] {
           this->scheduler.requireMain("ending an observation of activations");
           this->journal.record("workspace.endObservingActivations");
       }),
@@ -24,16 +25,29 @@ std::optional<RunningApplication> SimulatedWorkspace::runningApplication(Process
 void SimulatedWorkspace::activateApplication(ProcessID pid) {
     scheduler.requireMain("Workspace::activateApplication");
     journal.record("workspace.activateApplication {}", pid);
-    const auto identity = identityOf(pid);
-    if (!identity) {
+    if (!identityOf(pid)) {
         return;
     }
     if (const auto* window = model.focusedWindow(pid)) {
         model.bringToFront(window->windowID);
     }
-    if (model.frontmost != pid) {
-        model.frontmost = pid;
-        announceActivation(identity);
+    setFrontmost(pid);
+}
+
+void SimulatedWorkspace::openURL(std::string_view url) {
+    scheduler.requireMain("Workspace::openURL");
+    journal.record("workspace.openURL {}", url);
+}
+
+void SimulatedWorkspace::setFrontmost(ProcessID pid) {
+    const auto& application = model.application(pid);
+    if (model.frontmost == pid) {
+        return;
+    }
+    model.frontmost = pid;
+    announceActivation(application.identity);
+    if (isProgramActive()) {
+        scheduler.mainAsync([this] { notificationCenter.post(applicationDidBecomeActiveNotification); });
     }
 }
 

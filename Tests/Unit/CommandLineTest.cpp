@@ -55,7 +55,7 @@ TEST(CommandLineTest, AnOptionStandsAlone) {
 }
 
 TEST(CommandLineTest, ScriptCommandsKeepTheirArguments) {
-    for (const auto* verb : {"pin", "unpin", "toggle", "list", "menu", "status"}) {
+    for (const auto* verb : {"pin", "unpin", "toggle", "list", "menu", "settings", "about", "status"}) {
         const auto command = parsed<CommandLine::Script>({verb, "front", "altro"}).command;
         EXPECT_EQ(command.verb, verb);
         EXPECT_EQ(command.arguments, (Arguments{"front", "altro"}));
@@ -96,9 +96,9 @@ TEST(CommandLineTest, AnythingElseIsAUsageErrorThatNamesIt) {
 }
 
 TEST(CommandLineTest, TheHelpNamesEveryCommandAndOption) {
-    for (const auto* word : {"pin ", "unpin ", "toggle ", "list ", "menu ", "status ", "defaults read",
-                             "defaults write", "defaults delete", "--input-routing=forward", "--input-routing=scroll",
-                             "--list-windows", "--help", "--version"}) {
+    for (const auto* word : {"pin ", "unpin ", "toggle ", "list ", "menu ", "settings ", "about ", "status ",
+                             "defaults read", "defaults write", "defaults delete", "--input-routing=forward",
+                             "--input-routing=scroll", "--list-windows", "--help", "--version"}) {
         EXPECT_NE(CommandLine::helpText().find(word), std::string_view::npos) << word;
     }
 }

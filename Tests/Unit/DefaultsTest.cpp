@@ -14,8 +14,21 @@ protected:
 
 TEST_F(DefaultsTest, AnAbsentKeyIsFalseAndZero) {
     EXPECT_FALSE(Defaults::boolForKey("key"));
+    EXPECT_EQ(Defaults::storedBool("key"), std::nullopt);
     EXPECT_EQ(Defaults::doubleForKey("key"), 0);
     EXPECT_EQ(Defaults::integerForKey("key"), 0);
+}
+
+TEST_F(DefaultsTest, OnlyATruthIsAStoredTruth) {
+    for (const bool truth : {true, false}) {
+        store(truth);
+        EXPECT_EQ(Defaults::storedBool("key"), truth);
+    }
+    for (const auto& other : {PropertyValue(std::int64_t{1}), PropertyValue(1.0), PropertyValue("true"),
+                              PropertyValue(PropertyData{std::byte{1}})}) {
+        store(other);
+        EXPECT_EQ(Defaults::storedBool("key"), std::nullopt) << other.index();
+    }
 }
 
 TEST_F(DefaultsTest, TruthsAndNumbers) {

@@ -28,6 +28,8 @@ protected:
     ScriptCommands::Program program{.tracker = tracker,
                                     .togglePinFrontmostWindow = [] {},
                                     .openMenuAtPointer = [] { return true; },
+                                    .openSettings = [] {},
+                                    .openAbout = [] {},
                                     .shortcut = "⌃⌘P",
                                     .shortcutState = ShortcutState::active};
     ProcessID notes = desktop.launch("Note");
@@ -135,6 +137,16 @@ TEST_F(ScriptCommandsTest, TheMenuOpensOrTheReplySaysThatItCannot) {
     expect(perform("menu"), ExitStatus::failure, "Il menu non si può aprire in questo momento: riprova");
 }
 
+TEST_F(ScriptCommandsTest, TheSettingsAndTheAboutWindowOpen) {
+    Lines opened;
+    program.openSettings = [&] { opened.push_back("settings"); };
+    program.openAbout = [&] { opened.push_back("about"); };
+    expect(perform("settings"), ExitStatus::success, "");
+    EXPECT_EQ(opened, Lines{"settings"});
+    expect(perform("about"), ExitStatus::success, "");
+    EXPECT_EQ(opened, (Lines{"settings", "about"}));
+}
+
 TEST_F(ScriptCommandsTest, TheStatusTellsOfTheShortcutTheIconAndThePinnedWindows) {
     expect(perform("status"), ExitStatus::success,
            "Scorciatoia: ⌃⌘P, attiva\n"
@@ -180,6 +192,9 @@ TEST_F(ScriptCommandsTest, TooManyArgumentsAreAUsageError) {
            "Troppi argomenti per «toggle»: \"quillon --help\" mostra l'uso");
     expect(perform("list", {"1"}), ExitStatus::usage, "Troppi argomenti per «list»: \"quillon --help\" mostra l'uso");
     expect(perform("menu", {"1"}), ExitStatus::usage, "Troppi argomenti per «menu»: \"quillon --help\" mostra l'uso");
+    expect(perform("settings", {"1"}), ExitStatus::usage,
+           "Troppi argomenti per «settings»: \"quillon --help\" mostra l'uso");
+    expect(perform("about", {"1"}), ExitStatus::usage, "Troppi argomenti per «about»: \"quillon --help\" mostra l'uso");
     expect(perform("status", {"1"}), ExitStatus::usage,
            "Troppi argomenti per «status»: \"quillon --help\" mostra l'uso");
 }

@@ -167,6 +167,7 @@ TEST_F(SimulatedDesktopDeathTest, PortsOfTheMainThreadStopATaskOfAQueue) {
     const auto panel = makePanel();
     const auto layer = desktop.views().makeLayer();
     const auto stream = makeStreamWithOutput();
+    const auto titledWindow = desktop.titledWindows().makeWindow("", Column());
     const std::vector<std::pair<Task, std::string>> calls{
         {[&] { static_cast<void>(desktop.workspace().runningApplication(notes)); }, "Workspace::runningApplication"},
         {[&] { desktop.workspace().activateApplication(notes); }, "Workspace::activateApplication"},
@@ -189,6 +190,23 @@ TEST_F(SimulatedDesktopDeathTest, PortsOfTheMainThreadStopATaskOfAQueue) {
         {[&] { static_cast<void>(desktop.eventTaps().create({}, {}, {}, 0, nullptr)); }, "EventTaps::create"},
         {[&] { desktop.sharedApplication()->setActivationPolicy(ActivationPolicy::regular); },
          "Application::setActivationPolicy"},
+        {[&] { desktop.sharedApplication()->activateIgnoringOtherApps(); }, "Application::activateIgnoringOtherApps"},
+        {[&] { desktop.workspace().openURL("https://example.org"); }, "Workspace::openURL"},
+        {[&] { static_cast<void>(desktop.screens().mouseLocation()); }, "Screens::mouseLocation"},
+        {[&] { desktop.eventAccess().requestPostEventAccess(); }, "EventAccess::requestPostEventAccess"},
+        {[&] { static_cast<void>(desktop.screenCapture().preflightAccess()); }, "ScreenCapture::preflightAccess"},
+        {[&] { desktop.screenCapture().requestAccess(); }, "ScreenCapture::requestAccess"},
+        {[&] { static_cast<void>(desktop.userDefaults().observe("key", [] {})); }, "UserDefaults::observe"},
+        {[&] { static_cast<void>(desktop.loginItem().isEnabled()); }, "LoginItem::isEnabled"},
+        {[&] { desktop.loginItem().registerItem(); }, "LoginItem::registerItem"},
+        {[&] { static_cast<void>(desktop.keyMonitors().addLocalMonitor({})); }, "KeyMonitors::addLocalMonitor"},
+        {[&] { static_cast<void>(desktop.distributedNotificationCenter().addObserver("name", [] {})); },
+         "DistributedNotificationCenter::addObserver"},
+        {[&] { static_cast<void>(desktop.titledWindows().makeWindow("", Column())); }, "TitledWindows::makeWindow"},
+        {[&] { static_cast<void>(desktop.titledWindows().keyWindow()); }, "TitledWindows::keyWindow"},
+        {[&] { static_cast<void>(titledWindow->frame()); }, "TitledWindow::frame"},
+        {[&] { titledWindow->makeKeyAndOrderFront(); }, "TitledWindow::makeKeyAndOrderFront"},
+        {[&] { titledWindow->setContent(Column()); }, "TitledWindow::setContent"},
     };
     for (const auto& [call, name] : calls) {
         EXPECT_DEATH(onQueue(call), "misuse: " + name + " on the queue worker: main thread only");
@@ -600,6 +618,121 @@ TEST_F(SimulatedDesktopDeathTest, ScenariosAreAboutWhatExists) {
 
 TEST_F(SimulatedDesktopDeathTest, SettingsHaveKeys) {
     EXPECT_DEATH(desktop.userDefaults().set("", true), "UserDefaults::set with an empty key");
+}
+
+TEST_F(SimulatedDesktopDeathTest, AnObservationOfASettingEndsOnTheMainThread) {
+    auto token = desktop.userDefaults().observe("key", [] {});
+    EXPECT_DEATH(onQueue([&] { token.reset(); }), "ending an observation of a setting on the queue worker");
+}
+
+TEST_F(SimulatedDesktopTest, ChangesOfASettingAreToldWhoeverMakesThem) {
+    auto& defaults = desktop.userDefaults();
+    int changes = 0;
+    auto token = defaults.observe("key", [&] { ++changes; });
+    defaults.set("key", true);
+    EXPECT_EQ(changes, 1) << "before the call returns";
+    defaults.set("key", true);
+    defaults.set("other", true);
+    defaults.remove("absent");
+    EXPECT_EQ(changes, 1);
+    defaults.store("key", std::int64_t{1});
+    EXPECT_EQ(changes, 2) << "by hand, and of another type";
+    defaults.remove("key");
+    EXPECT_EQ(changes, 3);
+    onQueue([&] {
+        defaults.set("key", false);
+        EXPECT_EQ(changes, 3) << "not on another thread";
+    });
+    EXPECT_EQ(changes, 4);
+    token.reset();
+    defaults.set("key", true);
+    EXPECT_EQ(changes, 4);
+    EXPECT_EQ(desktop.journal().take({"userDefaults.observe", "userDefaults.endObserving"}),
+              (Lines{"userDefaults.observe key", "userDefaults.endObserving key"}));
+}
+
+TEST_F(SimulatedDesktopTest, AnObserverOfASettingMaySetIt) {
+    auto& defaults = desktop.userDefaults();
+    const auto token = defaults.observe("key", [&] { defaults.set("key", false); });
+    defaults.set("key", true);
+    EXPECT_EQ(defaults.object("key"), std::optional<PropertyValue>(false));
+}
+
+TEST_F(SimulatedDesktopTest, TheProgramIsToldWhenItBecomesActive) {
+    int activations = 0;
+    const auto token =
+        desktop.notificationCenter().addObserver(applicationDidBecomeActiveNotification, [&] { ++activations; });
+    auto& application = *desktop.sharedApplication();
+    application.activateIgnoringOtherApps();
+    EXPECT_TRUE(desktop.workspace().isProgramActive());
+    EXPECT_EQ(activations, 0) << "announcements wait on the main queue";
+    application.activateIgnoringOtherApps();
+    desktop.runUntilIdle();
+    EXPECT_EQ(activations, 1) << "it was active already";
+    desktop.activate(notes);
+    EXPECT_FALSE(desktop.workspace().isProgramActive());
+    desktop.workspace().activateApplication(Desktop::ownPID());
+    desktop.runUntilIdle();
+    EXPECT_EQ(activations, 2);
+}
+
+TEST_F(SimulatedDesktopTest, RequestsForAccessAreGrantedWhenTheUserDoesSo) {
+    auto& capture = desktop.screenCapture();
+    EXPECT_TRUE(capture.requestAccess());
+    capture.setAccess(false);
+    EXPECT_FALSE(capture.requestAccess());
+    capture.grantAccessOnRequest();
+    EXPECT_FALSE(capture.preflightAccess());
+    EXPECT_TRUE(capture.requestAccess());
+    EXPECT_TRUE(capture.preflightAccess());
+    desktop.eventAccess().set(false, true);
+    EXPECT_FALSE(desktop.eventAccess().requestPostEventAccess());
+    desktop.eventAccess().grantPostOnRequest();
+    EXPECT_FALSE(desktop.eventAccess().preflightPostEventAccess());
+    EXPECT_TRUE(desktop.eventAccess().requestPostEventAccess());
+    EXPECT_TRUE(desktop.eventAccess().preflightPostEventAccess());
+}
+
+TEST_F(SimulatedDesktopTest, TheLoginItemChangesUnlessTheSystemRefuses) {
+    auto& item = desktop.loginItem();
+    EXPECT_FALSE(item.isEnabled());
+    EXPECT_TRUE(item.registerItem());
+    EXPECT_TRUE(item.isEnabled());
+    item.refuse(true);
+    EXPECT_FALSE(item.unregisterItem());
+    EXPECT_TRUE(item.isEnabled());
+    item.refuse(false);
+    EXPECT_TRUE(item.unregisterItem());
+    EXPECT_FALSE(item.isEnabled());
+    item.setEnabled(true);
+    EXPECT_TRUE(item.isEnabled());
+}
+
+TEST_F(SimulatedDesktopTest, DistributedNotificationsComeFromOtherProcesses) {
+    int received = 0;
+    auto token = desktop.distributedNotificationCenter().addObserver("name", [&] { ++received; });
+    desktop.distributedNotificationCenter().postFromOutside("name");
+    desktop.distributedNotificationCenter().postFromOutside("other");
+    desktop.notificationCenter().post("name");
+    EXPECT_EQ(received, 0);
+    desktop.runUntilIdle();
+    EXPECT_EQ(received, 1);
+    desktop.distributedNotificationCenter().postFromOutside("name");
+    token.reset();
+    desktop.runUntilIdle();
+    EXPECT_EQ(received, 1);
+}
+
+TEST_F(SimulatedDesktopTest, OnAScreenWithoutAVisibleFrameNothingTakesRoomAway) {
+    EXPECT_EQ(desktop.screens().mainScreen()->visibleFrame, (ScreenRect{{0, 0}, {1440, 875}}));
+    const Screen bare{{{0, 0}, {800, 600}}, 1};
+    const Screen withBar{{{800, 0}, {800, 600}}, 1, {{800, 0}, {800, 570}}};
+    desktop.screens().set({bare, withBar}, withBar);
+    EXPECT_EQ(desktop.screens().screens().front().visibleFrame, bare.frame);
+    EXPECT_EQ(desktop.screens().screens().back().visibleFrame, withBar.visibleFrame);
+    EXPECT_EQ(desktop.screens().mainScreen()->visibleFrame, withBar.visibleFrame);
+    desktop.screens().setMouseLocation({900, 10});
+    EXPECT_EQ(desktop.screens().mouseLocation(), (ScreenPoint{900, 10}));
 }
 
 TEST_F(SimulatedDesktopDeathTest, TheApplicationRunsOnceWithADelegateAndEnds) {

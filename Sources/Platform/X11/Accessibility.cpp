@@ -1,9 +1,13 @@
 #include "Platform/X11/Accessibility.h"
 
+#include "Platform/X11/AccessPrompt.h"
+#include "Platform/X11/AccessibilityStatus.h"
 #include "Platform/X11/AccessibleElement.h"
 #include "Platform/X11/AccessibleWindow.h"
 #include "Platform/X11/WindowAccess.h"
 #include "Platform/X11/WindowManager.h"
+
+#include <QApplication>
 
 #include <algorithm>
 #include <atomic>
@@ -172,11 +176,26 @@ private:
 
 } // namespace
 
+X11Accessibility::X11Accessibility(const WindowAccess& access, AccessibilityStatus& status)
+    : access(access), status(status) {}
+
+X11Accessibility::~X11Accessibility() = default;
+
 bool X11Accessibility::isProcessTrusted() const {
-    return true;
+    return status.isEnabled();
 }
 
-void X11Accessibility::promptForTrust() {}
+bool X11Accessibility::promptForTrust() {
+    if (status.isEnabled() || (QApplication::activeWindow() != nullptr && status.switchOn())) {
+        return true;
+    }
+    // Without a session bus, of which the program has told on its start, the user can do nothing here.
+    if (status.hasSessionBus()) {
+        prompt = std::make_unique<AccessPrompt>(status);
+        prompt->show();
+    }
+    return false;
+}
 
 std::shared_ptr<AccessibilityElement> X11Accessibility::applicationElement(ProcessID pid) const {
     return std::make_shared<ApplicationElement>(access, bus, pid);

@@ -1,14 +1,26 @@
 #include "Platform/X11/Application.h"
 
 #include "ExitStatus.h"
+#include "Platform/NotificationCenter.h"
 #include "Platform/X11/RemoteControl.h"
 #include "Platform/X11/TerminationSignals.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 
 namespace quillon::x11 {
 
-X11Application::X11Application(RemoteControl* remoteControl) : remoteControl(remoteControl) {}
+X11Application::X11Application(RemoteControl* remoteControl, NotificationCenter& notifications)
+    : remoteControl(remoteControl) {
+    // A command that shows nothing has no application with windows.
+    if (auto* application = qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
+        QObject::connect(application, &QGuiApplication::applicationStateChanged, &context,
+                         [&notifications](Qt::ApplicationState state) {
+                             if (state == Qt::ApplicationActive) {
+                                 notifications.post(applicationDidBecomeActiveNotification);
+                             }
+                         });
+    }
+}
 
 X11Application::~X11Application() = default;
 
@@ -50,6 +62,13 @@ void X11Application::run() {
     }
     if (const auto alive = delegate.lock()) {
         alive->applicationWillTerminate();
+    }
+}
+
+/// A program without windows has nothing that could be active.
+void X11Application::activateIgnoringOtherApps() {
+    if (onActivate) {
+        onActivate();
     }
 }
 

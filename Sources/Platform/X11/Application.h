@@ -4,7 +4,12 @@
 
 #include <QObject>
 
+#include <functional>
 #include <memory>
+
+namespace quillon {
+class NotificationCenter;
+}
 
 namespace quillon::x11 {
 
@@ -16,15 +21,21 @@ class TerminationSignals;
 class X11Application final : public Application {
 public:
     /// `remoteControl` carries the commands of scripts; null in a session without a bus.
-    explicit X11Application(RemoteControl* remoteControl);
+    /// `notifications` tells that the program became the active one; it must outlive the application.
+    X11Application(RemoteControl* remoteControl, NotificationCenter& notifications);
     ~X11Application() override;
 
     void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) override;
     void setActivationPolicy(ActivationPolicy policy) override;
     void setMainMenu(std::shared_ptr<Menu> menu) override;
     void run() override;
+    void activateIgnoringOtherApps() override;
     void terminate() override;
 
+    /// Null for none.
+    [[nodiscard]] const std::shared_ptr<Menu>& currentMainMenu() const { return mainMenu; }
+    /// Gives one of the program's windows the keyboard focus.
+    std::function<void()> onActivate;
     /// What `run` ended with, for the process's caller.
     [[nodiscard]] int exitStatus() const { return status; }
 
@@ -35,6 +46,8 @@ private:
     std::shared_ptr<Menu> mainMenu;
     RemoteControl* remoteControl;
     std::unique_ptr<TerminationSignals> signals;
+    /// Ends the connection to Qt's application.
+    QObject context;
     bool hasEnded = false;
     int status = 0;
 };

@@ -3,9 +3,6 @@
 #include "Platform/X11/Connection.h"
 
 #include <cstdint>
-#include <string>
-#include <string_view>
-#include <unordered_map>
 
 namespace quillon::x11 {
 
@@ -19,8 +16,5 @@ struct ClickSettings {
 
 /// What the desktop says (XSETTINGS, Net/DoubleClickTime and Net/DoubleClickDistance) at the moment. Main thread.
 [[nodiscard]] ClickSettings readClickSettings(Connection& connection);
-
-/// The whole numbers in the property of an XSETTINGS manager, by name; those before the first mistake.
-[[nodiscard]] std::unordered_map<std::string, std::int32_t> parseXSettings(std::string_view bytes);
 
 } // namespace quillon::x11

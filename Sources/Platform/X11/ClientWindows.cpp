@@ -298,6 +298,10 @@ WindowMargins ClientWindows::margins(xcb_window_t window) const {
     return {marginsIn(frame), marginsIn(shadow)};
 }
 
+bool ClientWindows::hasManager() const {
+    return readDesktop().isManaged;
+}
+
 std::optional<xcb_window_t> ClientWindows::activeWindow() const {
     return readDesktop().activeWindow;
 }

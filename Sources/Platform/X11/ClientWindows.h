@@ -69,6 +69,7 @@ public:
     [[nodiscard]] std::vector<ClientWindow> describe(std::span<const xcb_window_t> windows) const;
     [[nodiscard]] std::optional<ClientWindow> describe(xcb_window_t window) const;
     [[nodiscard]] WindowMargins margins(xcb_window_t window) const;
+    [[nodiscard]] bool hasManager() const;
     /// The window that the window manager calls active; none without a window manager.
     [[nodiscard]] std::optional<xcb_window_t> activeWindow() const;
     /// The managed window directly over that one; none for the topmost one.

@@ -5,6 +5,7 @@
 
 #include <xcb/xcb.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -47,6 +48,13 @@ struct PixelRect {
     [[nodiscard]] bool contains(const PixelRect& other) const {
         return other.x >= x && other.y >= y && other.x + other.width <= x + width &&
                other.y + other.height <= y + height;
+    }
+    /// Without an area when the two share no pixel.
+    [[nodiscard]] PixelRect intersection(const PixelRect& other) const {
+        const int left = std::max(x, other.x);
+        const int top = std::max(y, other.y);
+        return {left, top, std::max(std::min(x + width, other.x + other.width) - left, 0),
+                std::max(std::min(y + height, other.y + other.height) - top, 0)};
     }
     /// Whether the two share a pixel.
     [[nodiscard]] bool intersects(const PixelRect& other) const {

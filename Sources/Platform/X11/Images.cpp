@@ -36,7 +36,7 @@ public:
     SymbolImage(const Symbol& symbol, const SymbolConfiguration& configuration, bool isTemplate)
         : DrawableImage(isTemplate), symbol(symbol), configuration(configuration) {}
 
-    [[nodiscard]] Size size() const override { return symbolSize(configuration.pointSize); }
+    [[nodiscard]] Size size() const override { return symbolSize(symbol, configuration.pointSize); }
 
     [[nodiscard]] std::shared_ptr<Image>
     withSymbolConfiguration(const SymbolConfiguration& newConfiguration) const override {

@@ -49,7 +49,7 @@ void performMenuItem(const MenuItem& item) {
     if (const auto* action = std::get_if<MenuAction>(&item.action)) {
         (*action)(item);
     } else if (const auto* standard = std::get_if<StandardAction>(&item.action)) {
-        // The others are for what has the keyboard focus, which these menus never take.
+        // The others are for what has the keyboard focus: menus never take it, and text fields know their keys.
         if (*standard == StandardAction::terminate) {
             sharedApplication().terminate();
         }

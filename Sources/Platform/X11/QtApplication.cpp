@@ -45,8 +45,11 @@ std::unique_ptr<QCoreApplication> makeCoreApplication() {
     return std::make_unique<QCoreApplication>(commandLine().count, commandLine().arguments);
 }
 
-std::unique_ptr<QApplication> makeApplication() {
+std::unique_ptr<QApplication> makeApplication(double scale) {
     setUp();
+    // Qt would read the density of the screens by itself and round it otherwise than the rest of the program does.
+    qputenv("QT_FONT_DPI", "96");
+    qputenv("QT_SCALE_FACTOR", QByteArray::number(scale));
     qputenv("QT_QPA_PLATFORM", "xcb");
     // Nothing is drawn with OpenGL, whose libraries are large.
     qputenv("QT_XCB_GL_INTEGRATION", "none");

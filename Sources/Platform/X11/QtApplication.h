@@ -13,8 +13,8 @@ namespace quillon::x11 {
 /// For a command: an event loop alone.
 [[nodiscard]] std::unique_ptr<QCoreApplication> makeCoreApplication();
 
-/// For the running program, which shows menus: a second connection to the display that the environment names, which
-/// must be there.
-[[nodiscard]] std::unique_ptr<QApplication> makeApplication();
+/// For the running program, which shows menus and windows: a second connection to the display that the environment
+/// names, which must be there. `scale` is in pixels per point, which Qt calls device-independent pixels.
+[[nodiscard]] std::unique_ptr<QApplication> makeApplication(double scale);
 
 } // namespace quillon::x11

@@ -5,6 +5,9 @@
 #include "Platform/X11/PicturePorts.h"
 #include "Platform/X11/WindowStream.h"
 
+#include <xcb/composite.h>
+#include <xcb/damage.h>
+
 #include <utility>
 
 namespace quillon::x11 {
@@ -130,6 +133,14 @@ void X11ScreenCapture::captureImage(const std::shared_ptr<ContentFilter>& filter
         scheduler.mainAfter(std::max<Seconds>(remaining, Seconds::zero()),
                             [source, completion] { completion(takePicture(*source)); });
     });
+}
+
+bool X11ScreenCapture::preflightAccess() const {
+    const auto isPresent = [this](xcb_extension_t& extension) {
+        const auto* data = xcb_get_extension_data(connection.xcb(), &extension);
+        return data != nullptr && data->present != 0;
+    };
+    return isPresent(xcb_composite_id) && isPresent(xcb_damage_id);
 }
 
 std::unique_ptr<ScreenCapture> makeScreenCapture(Connection& connection, Scheduler& scheduler,

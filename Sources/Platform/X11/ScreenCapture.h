@@ -27,6 +27,10 @@ public:
                                               StoppedCallback stopped) override;
     void captureImage(const std::shared_ptr<ContentFilter>& filter, const StreamConfiguration& configuration,
                       ImageCompletion completion) override;
+    /// Whether the server has the extensions that pictures of windows come from.
+    [[nodiscard]] bool preflightAccess() const override;
+    /// The same; there is nobody to ask.
+    bool requestAccess() override { return preflightAccess(); }
 
 private:
     Connection& connection;

@@ -3,15 +3,21 @@
 #include "Platform/NotificationCenter.h"
 #include "Platform/Scheduler.h"
 #include "Platform/X11/ClientWindows.h"
+#include "Platform/X11/Event.h"
+#include "Platform/X11/PropertyReply.h"
 
 #include <xcb/randr.h>
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace quillon::x11 {
 
 namespace {
+
+constexpr std::string_view workAreaProperty = "_NET_WORKAREA";
+constexpr std::string_view desktopProperty = "_NET_CURRENT_DESKTOP";
 
 /// Whether the server tells monitors, which RandR does since its version 1.5.
 bool tellsMonitors(Connection& connection) {
@@ -32,10 +38,20 @@ X11Screens::X11Screens(Connection& connection, Scheduler& scheduler, Notificatio
       hasMonitors(tellsMonitors(connection)) {
     observeChanges();
     monitors = readMonitors();
+    workArea = readWorkArea();
     connection.setPrimaryScreen(monitors.front());
 }
 
 void X11Screens::observeChanges() {
+    rootSelection = connection.selectInput(connection.root(), XCB_EVENT_MASK_PROPERTY_CHANGE);
+    rootEvents = connection.observeWindow(connection.root(), [this](const auto& event) {
+        if (eventType(event) == XCB_PROPERTY_NOTIFY) {
+            const auto property = as<xcb_property_notify_event_t>(event).atom;
+            if (property == connection.atom(workAreaProperty) || property == connection.atom(desktopProperty)) {
+                scheduleUpdate();
+            }
+        }
+    });
     const auto base = connection.randrEventBase();
     if (base == 0) {
         return;
@@ -63,11 +79,13 @@ void X11Screens::scheduleUpdate() {
 
 void X11Screens::update() {
     isUpdateDue = false;
-    auto now = readMonitors();
-    if (now == monitors) {
+    auto nowMonitors = readMonitors();
+    const auto nowWorkArea = readWorkArea();
+    if (nowMonitors == monitors && nowWorkArea == workArea) {
         return;
     }
-    monitors = std::move(now);
+    monitors = std::move(nowMonitors);
+    workArea = nowWorkArea;
     connection.setPrimaryScreen(monitors.front());
     notifications.post(screenParametersDidChangeNotification);
 }
@@ -96,8 +114,31 @@ std::vector<PixelRect> X11Screens::readMonitors() const {
     return found;
 }
 
+std::optional<PixelRect> X11Screens::readWorkArea() const {
+    constexpr std::uint32_t numbersPerDesktop = 4; // left, top, width, height
+    constexpr std::uint32_t mostDesktops = 64;
+    const auto areasAtom = connection.atom(workAreaProperty);
+    const auto desktopAtom = connection.atom(desktopProperty);
+    PropertyReply areas(connection, connection.root(), areasAtom, mostDesktops * numbersPerDesktop);
+    PropertyReply desktop(connection, connection.root(), desktopAtom, 1);
+    areas.wait();
+    desktop.wait();
+    const auto numbers = areas.numbers();
+    const std::size_t first = std::size_t{desktop.number().value_or(0)} * numbersPerDesktop;
+    if (first + numbersPerDesktop > numbers.size()) {
+        return std::nullopt;
+    }
+    // Anybody may have set it; no screen is larger.
+    constexpr std::uint32_t longest = 65535;
+    const auto number = [&](std::size_t index) { return static_cast<int>(std::min(numbers[first + index], longest)); };
+    return PixelRect{number(0), number(1), number(2), number(3)};
+}
+
 Screen X11Screens::screen(const PixelRect& monitor) const {
-    return {connection.flipped(connection.toPoints(monitor)), connection.scale()};
+    const auto free = monitor.intersection(workArea.value_or(monitor));
+    const bool isFree = free.width > 0 && free.height > 0;
+    return {connection.flipped(connection.toPoints(monitor)), connection.scale(),
+            connection.flipped(connection.toPoints(isFree ? free : monitor))};
 }
 
 std::vector<Screen> X11Screens::screens() const {
@@ -120,6 +161,13 @@ std::optional<Screen> X11Screens::mainScreen() const {
         }
     }
     return screen(monitors.front());
+}
+
+ScreenPoint X11Screens::mouseLocation() const {
+    const auto cookie = xcb_query_pointer(connection.xcb(), connection.root());
+    const Reply<xcb_query_pointer_reply_t> reply(xcb_query_pointer_reply(connection.xcb(), cookie, nullptr));
+    const PixelRect pixel{reply ? reply->root_x : 0, reply ? reply->root_y : 0, 1, 1};
+    return connection.flipped(connection.toPoints(pixel)).origin;
 }
 
 } // namespace quillon::x11

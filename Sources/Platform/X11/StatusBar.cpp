@@ -16,9 +16,10 @@ namespace {
 
 /// The desktop's places for icons, and what goes with them.
 struct Trays {
-    Trays(Connection& connection, Scheduler& scheduler)
-        : connection(connection), scheduler(scheduler), formats(connection), manager(connection),
-          menus(connection, scheduler) {
+    Trays(Connection& connection, Scheduler& scheduler, DesktopAppearance& appearance)
+        : connection(connection), scheduler(scheduler), appearance(appearance), formats(connection),
+          manager(connection), menus(connection, scheduler) {
+        appearance.follow();
         host.onChange = manager.onChange = [this] { changes.call(Change::places); };
         appearance.onChange = [this] { changes.call(Change::appearance); };
     }
@@ -31,8 +32,8 @@ struct Trays {
 
     Connection& connection;
     Scheduler& scheduler;
+    DesktopAppearance& appearance;
     PictureFormats formats;
-    DesktopAppearance appearance;
     NotifierHost host;
     TrayManager manager;
     PopUpMenu menus;
@@ -133,7 +134,8 @@ private:
 
 class X11StatusBar final : public StatusBar {
 public:
-    X11StatusBar(Connection& connection, Scheduler& scheduler) : connection(connection), scheduler(scheduler) {}
+    X11StatusBar(Connection& connection, Scheduler& scheduler, DesktopAppearance& appearance)
+        : connection(connection), scheduler(scheduler), appearance(appearance) {}
 
     /// Trays scale the icon to a size of their own, whatever it was drawn for; this is the height of a menu bar.
     [[nodiscard]] double thickness() const override { return 24; }
@@ -147,20 +149,21 @@ private:
     /// Made with the first need: a command that only looks at windows has none.
     Trays& trays() const {
         if (!usedTrays) {
-            usedTrays = std::make_unique<Trays>(connection, scheduler);
+            usedTrays = std::make_unique<Trays>(connection, scheduler, appearance);
         }
         return *usedTrays;
     }
 
     Connection& connection;
     Scheduler& scheduler;
+    DesktopAppearance& appearance;
     mutable std::unique_ptr<Trays> usedTrays;
 };
 
 } // namespace
 
-std::unique_ptr<StatusBar> makeStatusBar(Connection& connection, Scheduler& scheduler) {
-    return std::make_unique<X11StatusBar>(connection, scheduler);
+std::unique_ptr<StatusBar> makeStatusBar(Connection& connection, Scheduler& scheduler, DesktopAppearance& appearance) {
+    return std::make_unique<X11StatusBar>(connection, scheduler, appearance);
 }
 
 } // namespace quillon::x11

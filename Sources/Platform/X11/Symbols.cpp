@@ -12,11 +12,6 @@ namespace quillon::x11 {
 
 namespace {
 
-constexpr std::array symbols{Symbol{"pin", false}, Symbol{"pin.fill", true}};
-
-/// The box that the path below is drawn in; `symbolSize` keeps its proportions.
-constexpr Size box{12, 18};
-
 /// A pin seen from the side, without the needle: the cap, the neck and the collar.
 QPainterPath pinHead() {
     QPainterPath path(QPointF(3.0, 16.6));
@@ -37,7 +32,34 @@ QPainterPath pinNeedle() {
     return path;
 }
 
-/// In units of the box.
+void drawPin(QPainter& painter, bool isFilled, double strokeWidth, const QColor& color) {
+    painter.setPen(QPen(color, strokeWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setBrush(isFilled ? QBrush(color) : QBrush(Qt::NoBrush));
+    painter.drawPath(pinHead());
+    painter.setBrush(Qt::NoBrush);
+    painter.drawPath(pinNeedle());
+}
+
+/// A disc with a check mark cut out of it.
+void drawCheckmarkCircle(QPainter& painter, double strokeWidth, const QColor& color) {
+    QPainterPath mark(QPointF(4.8, 8.8));
+    mark.lineTo(7.8, 5.7);
+    mark.lineTo(13.2, 12.1);
+    QPainterPathStroker stroker(QPen(Qt::black, strokeWidth * 1.1, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    QPainterPath disc;
+    disc.addEllipse(QPointF(9, 9), 8, 8);
+    painter.fillPath(disc.subtracted(stroker.createStroke(mark)), color);
+}
+
+constexpr Size pinBox{12, 18};
+constexpr std::array symbols{
+    Symbol{"pin", pinBox,
+           [](auto& painter, double width, const auto& color) { drawPin(painter, false, width, color); }},
+    Symbol{"pin.fill", pinBox,
+           [](auto& painter, double width, const auto& color) { drawPin(painter, true, width, color); }},
+    Symbol{"checkmark.circle.fill", {18, 18}, drawCheckmarkCircle},
+};
+
 double strokeWidth(FontWeight weight) {
     return weight == FontWeight::semibold ? 1.6 : 1.2;
 }
@@ -50,21 +72,17 @@ const Symbol* findSymbol(std::string_view name) {
     return found != symbols.end() ? found : nullptr;
 }
 
-Size symbolSize(double pointSize) {
+Size symbolSize(const Symbol& symbol, double pointSize) {
     constexpr double pointsOfBox = 16;
-    return {box.width * pointSize / pointsOfBox, box.height * pointSize / pointsOfBox};
+    return {symbol.box.width * pointSize / pointsOfBox, symbol.box.height * pointSize / pointsOfBox};
 }
 
 void drawSymbol(QPainter& painter, const Symbol& symbol, const WindowRect& rect, FontWeight weight,
                 const QColor& color) {
     painter.save();
     painter.translate(rect.minX(), rect.minY());
-    painter.scale(rect.size.width / box.width, rect.size.height / box.height);
-    painter.setPen(QPen(color, strokeWidth(weight), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.setBrush(symbol.isFilled ? QBrush(color) : QBrush(Qt::NoBrush));
-    painter.drawPath(pinHead());
-    painter.setBrush(Qt::NoBrush);
-    painter.drawPath(pinNeedle());
+    painter.scale(rect.size.width / symbol.box.width, rect.size.height / symbol.box.height);
+    symbol.draw(painter, strokeWidth(weight), color);
     painter.restore();
 }
 

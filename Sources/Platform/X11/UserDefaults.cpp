@@ -74,6 +74,23 @@ struct ToJson {
     std::optional<json> operator()(auto value) const { return json(value); }
 };
 
+template <class Values>
+std::vector<std::string> differences(const Values& one, const Values& other) {
+    std::vector<std::string> keys;
+    for (const auto& [key, value] : one) {
+        const auto found = other.find(key);
+        if (found == other.end() || found->second != value) {
+            keys.push_back(key);
+        }
+    }
+    for (const auto& [key, value] : other) {
+        if (!one.contains(key)) {
+            keys.push_back(key);
+        }
+    }
+    return keys;
+}
+
 /// Null stands for a value that is to go.
 void applyChange(json& document, const std::string& key, const json& value) {
     if (value.is_null()) {
@@ -92,7 +109,7 @@ struct X11UserDefaults::Stored {
     std::map<std::string, json> unsaved;
 };
 
-X11UserDefaults::X11UserDefaults() : stored(std::make_unique<Stored>()) {
+X11UserDefaults::X11UserDefaults() : stored(std::make_unique<Stored>()), values(std::make_shared<const Values>()) {
     const auto directory = userDirectory("XDG_CONFIG_HOME", "/.config");
     if (directory) {
         file = std::make_unique<SettingsFile>(*directory + "/quillon/defaults.json");
@@ -119,13 +136,42 @@ void X11UserDefaults::remove(std::string_view key) {
     change(key, std::nullopt);
 }
 
+RegistrationToken X11UserDefaults::observe(std::string_view key, std::function<void()> callback) {
+    return observers.add(std::string(key), std::move(callback));
+}
+
 void X11UserDefaults::change(std::string_view key, const std::optional<PropertyValue>& value) {
-    const std::lock_guard lock(mutex);
+    std::unique_lock lock(mutex);
+    auto changed = store(key, value);
+    lock.unlock();
+    announce(std::move(changed));
+}
+
+void X11UserDefaults::reload() {
+    std::unique_lock lock(mutex);
+    auto changed = load();
+    lock.unlock();
+    announce(std::move(changed));
+}
+
+/// Without the mutex, since an observer may set a value.
+void X11UserDefaults::announce(Keys changed) {
+    if (changed.empty()) {
+        return;
+    }
+    QMetaObject::invokeMethod(&mainThread, [this, changed = std::move(changed)] {
+        for (const auto& key : changed) {
+            observers.call(key);
+        }
+    });
+}
+
+X11UserDefaults::Keys X11UserDefaults::store(std::string_view key, const std::optional<PropertyValue>& value) {
     const auto encoded = value ? std::visit(ToJson(), *value) : std::optional<json>(nullptr);
     isLatestSaved = false;
     if (!encoded || !isValidUTF8(key)) {
         report(fmt::format("Il valore per «{}» non si può salvare: vuole UTF-8 valido o un numero finito", key));
-        return;
+        return {};
     }
     stored->unsaved[std::string(key)] = *encoded;
     const auto problem = !file ? std::optional<std::string>() : file->change(stored->document, [this](json& document) {
@@ -140,11 +186,10 @@ void X11UserDefaults::change(std::string_view key, const std::optional<PropertyV
         stored->unsaved.clear();
         isLatestSaved = true;
     }
-    publish();
+    return publish();
 }
 
-/// With the mutex held.
-void X11UserDefaults::load() {
+X11UserDefaults::Keys X11UserDefaults::load() {
     if (file) {
         auto content = file->read();
         if (const auto* problem = std::get_if<std::string>(&content)) {
@@ -154,22 +199,21 @@ void X11UserDefaults::load() {
             lastProblem.clear();
         }
     }
-    publish();
+    return publish();
 }
 
-/// With the mutex held.
-void X11UserDefaults::publish() {
+X11UserDefaults::Keys X11UserDefaults::publish() {
     auto document = stored->document;
     for (const auto& [key, value] : stored->unsaved) {
         applyChange(document, key, value);
     }
-    auto next = std::make_shared<Values>();
+    const auto next = std::make_shared<Values>();
     for (const auto& [key, value] : document.items()) {
         if (auto property = fromJson(value)) {
             next->emplace(key, std::move(*property));
         }
     }
-    values.store(std::move(next));
+    return differences(*values.exchange(next), *next);
 }
 
 /// Once for as long as nothing changes: an editor may write a file several times.
@@ -184,12 +228,8 @@ void X11UserDefaults::watchFile() {
     if (!file) {
         return;
     }
-    watch = std::make_unique<FileWatch>(file->filePath(), [this] {
-        const std::lock_guard lock(mutex);
-        load();
-    });
-    const std::lock_guard lock(mutex);
-    load();
+    watch = std::make_unique<FileWatch>(file->filePath(), [this] { reload(); });
+    reload();
 }
 
 bool X11UserDefaults::isSaved() const {

@@ -1,11 +1,16 @@
 #pragma once
 
 #include "Platform/UserDefaults.h"
+#include "Platform/X11/Handlers.h"
+
+#include <QObject>
 
 #include <atomic>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <string>
+#include <vector>
 
 namespace quillon::x11 {
 
@@ -23,6 +28,7 @@ public:
     [[nodiscard]] std::optional<PropertyValue> object(std::string_view key) const override;
     void set(std::string_view key, const PropertyValue& value) override;
     void remove(std::string_view key) override;
+    [[nodiscard]] RegistrationToken observe(std::string_view key, std::function<void()> callback) override;
 
     /// Takes over the changes that are made to the file from now on. Needs the event loop. Main thread.
     void watchFile();
@@ -33,9 +39,15 @@ private:
     using Values = std::map<std::string, PropertyValue, std::less<>>;
     struct Stored;
 
-    void load();
+    // The keys whose values are others now. With the mutex held.
+    using Keys = std::vector<std::string>;
+    Keys load();
+    Keys store(std::string_view key, const std::optional<PropertyValue>& value);
+    Keys publish();
+
     void change(std::string_view key, const std::optional<PropertyValue>& value);
-    void publish();
+    void reload();
+    void announce(Keys changed);
     void report(const std::string& problem);
 
     std::unique_ptr<SettingsFile> file;
@@ -46,6 +58,9 @@ private:
     bool isLatestSaved = false;
     /// What readers see; replaced as a whole.
     std::atomic<std::shared_ptr<const Values>> values;
+    Handlers<std::string> observers;
+    /// Lives on the main thread; what another thread announces waits with it.
+    QObject mainThread;
 };
 
 } // namespace quillon::x11

@@ -7,14 +7,6 @@ namespace quillon::x11 {
 
 namespace {
 
-PixelRect intersection(const PixelRect& a, const PixelRect& b) {
-    const int left = std::max(a.x, b.x);
-    const int top = std::max(a.y, b.y);
-    const int right = std::min(a.x + a.width, b.x + b.width);
-    const int bottom = std::min(a.y + a.height, b.y + b.height);
-    return {left, top, std::max(right - left, 0), std::max(bottom - top, 0)};
-}
-
 bool isEmpty(const PixelRect& rect) {
     return rect.width <= 0 || rect.height <= 0;
 }
@@ -92,7 +84,7 @@ void WindowCanvas::draw(const std::shared_ptr<CapturedPicture>& picture, const P
         xcb_xfixes_set_gc_clip_region(connection.xcb(), clipped.id(), uncovered.id(), 0, 0);
     }
     for (const auto& area : areas) {
-        const auto visible = intersection(area, place);
+        const auto visible = area.intersection(place);
         if (isEmpty(visible)) {
             continue;
         }
@@ -121,8 +113,7 @@ void WindowCanvas::drawRegion(const CapturedPicture& picture, const PixelRect& p
     copy(picture, place, window, clipped.id(), place, 0, 0);
     // Which overlays the region reaches only the server knows; they are too small for the question to pay.
     for (const auto& blend : blends) {
-        copy(picture, place, blend.pixmap.id(), plain.id(), intersection(blend.rect, place), blend.rect.x,
-             blend.rect.y);
+        copy(picture, place, blend.pixmap.id(), plain.id(), blend.rect.intersection(place), blend.rect.x, blend.rect.y);
         finish(blend);
     }
 }
@@ -142,9 +133,9 @@ void WindowCanvas::drawBlends(const std::shared_ptr<CapturedPicture>& picture, c
                               std::span<const PixelRect> areas, PictureScaler& scaler) {
     const bool isCopied = copies(*picture, place);
     for (const auto& blend : blends) {
-        const auto visible = intersection(blend.rect, place);
+        const auto visible = blend.rect.intersection(place);
         const bool isReached = std::any_of(areas.begin(), areas.end(),
-                                           [&](const auto& area) { return !isEmpty(intersection(area, visible)); });
+                                           [&](const auto& area) { return !isEmpty(area.intersection(visible)); });
         if (!isReached) {
             continue;
         }

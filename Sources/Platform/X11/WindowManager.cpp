@@ -19,14 +19,6 @@ void sendToManager(Connection& connection, const void* event) {
                    static_cast<const char*>(event));
 }
 
-bool supportsRestacking(Connection& connection) {
-    constexpr std::uint32_t longestList = 1024;
-    PropertyReply supported(connection, connection.root(), connection.atom("_NET_SUPPORTED"), longestList);
-    supported.wait();
-    const auto atoms = supported.numbers();
-    return std::find(atoms.begin(), atoms.end(), connection.atom("_NET_RESTACK_WINDOW")) != atoms.end();
-}
-
 } // namespace
 
 void askManager(Connection& connection, xcb_window_t window, std::string_view message,
@@ -38,6 +30,14 @@ void askManager(Connection& connection, xcb_window_t window, std::string_view me
     event.type = connection.atom(message);
     std::copy(data.begin(), data.end(), event.data.data32);
     sendToManager(connection, &event);
+}
+
+bool managerSupports(Connection& connection, std::string_view message) {
+    constexpr std::uint32_t longestList = 1024;
+    PropertyReply supported(connection, connection.root(), connection.atom("_NET_SUPPORTED"), longestList);
+    supported.wait();
+    const auto atoms = supported.numbers();
+    return std::find(atoms.begin(), atoms.end(), connection.atom(message)) != atoms.end();
 }
 
 void activate(Connection& connection, xcb_window_t window) {
@@ -57,6 +57,15 @@ void activate(Connection& connection, xcb_window_t window) {
     askManager(connection, window, "_NET_ACTIVE_WINDOW", {fromUser, time, XCB_WINDOW_NONE});
 }
 
+void activateHere(Connection& connection, xcb_window_t window) {
+    PropertyReply current(connection, connection.root(), connection.atom("_NET_CURRENT_DESKTOP"), 1);
+    current.wait();
+    if (current.number()) {
+        askManager(connection, window, "_NET_WM_DESKTOP", {*current.number(), fromUser});
+    }
+    askManager(connection, window, "_NET_ACTIVE_WINDOW", {fromUser, connection.latestTime(), XCB_WINDOW_NONE});
+}
+
 void raise(Connection& connection, xcb_window_t window) {
     connection.setRaisedWindow(window);
     const std::uint32_t mode = XCB_STACK_MODE_ABOVE;
@@ -64,7 +73,7 @@ void raise(Connection& connection, xcb_window_t window) {
 }
 
 void restackBehind(Connection& connection, xcb_window_t window, xcb_window_t front) {
-    if (supportsRestacking(connection)) {
+    if (managerSupports(connection, "_NET_RESTACK_WINDOW")) {
         askManager(connection, window, "_NET_RESTACK_WINDOW", {fromUser, front, XCB_STACK_MODE_BELOW});
         return;
     }

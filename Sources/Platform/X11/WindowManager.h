@@ -18,9 +18,15 @@ inline constexpr std::uint32_t allDesktops = 0xffffffff;
 void askManager(Connection& connection, xcb_window_t window, std::string_view message,
                 std::initializer_list<std::uint32_t> data);
 
+/// Whether the window manager says that it understands the message (_NET_SUPPORTED).
+[[nodiscard]] bool managerSupports(Connection& connection, std::string_view message);
+
 /// The user wants to work with the window: it comes to the front with the keyboard focus, minimised or not, and the
 /// user is taken to its desktop.
 void activate(Connection& connection, xcb_window_t window);
+
+/// The same, except that the window comes to the user's desktop.
+void activateHere(Connection& connection, xcb_window_t window);
 
 /// In front of the other windows of its level. The focus stays where it is.
 void raise(Connection& connection, xcb_window_t window);

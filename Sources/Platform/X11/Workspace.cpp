@@ -4,6 +4,7 @@
 #include "Platform/X11/Event.h"
 #include "Platform/X11/FocusKeeper.h"
 #include "Platform/X11/ProcessEnd.h"
+#include "Platform/X11/URLOpening.h"
 #include "Platform/X11/WindowAccess.h"
 #include "Platform/X11/WindowManager.h"
 
@@ -65,6 +66,10 @@ void X11Workspace::activateApplication(ProcessID pid) {
         activate(connection, front->window);
         connection.flush();
     }
+}
+
+void X11Workspace::openURL(std::string_view url) {
+    x11::openURL(url);
 }
 
 RegistrationToken X11Workspace::observeDidActivateApplication(ApplicationCallback callback) {

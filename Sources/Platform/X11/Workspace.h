@@ -31,6 +31,7 @@ public:
     [[nodiscard]] std::optional<RunningApplication> frontmostApplication() const override;
     [[nodiscard]] std::optional<RunningApplication> runningApplication(ProcessID pid) const override;
     void activateApplication(ProcessID pid) override;
+    void openURL(std::string_view url) override;
     [[nodiscard]] RegistrationToken observeDidActivateApplication(ApplicationCallback callback) override;
     [[nodiscard]] RegistrationToken observeDidTerminateApplication(ApplicationCallback callback) override;
 

@@ -1,22 +1,25 @@
 #include "Platform/X11/X11Platform.h"
 
 #include "Platform/X11/PicturePorts.h"
+#include "Platform/X11/TitledWindows.h"
 
 namespace quillon::x11 {
 
 X11Platform::X11Platform(std::unique_ptr<Connection> openConnection, RemoteControl* remoteControl,
                          InputRouting inputRouting)
-    : connection(std::move(openConnection)), processInfoPort(inputRouting), eventLoop(*connection, schedulerPort),
-      eventAccessPort(*connection), keyboard(*connection, schedulerPort), clientWindows(*connection),
-      windowAccess(*connection, clientWindows), focusKeeper(*connection, schedulerPort, clientWindows),
-      accessibilityPort(windowAccess), screensPort(*connection, schedulerPort, notificationCenterPort, clientWindows),
-      windowServerPort(windowAccess),
+    : connection(std::move(openConnection)), distributedNotificationCenterPort(accessibilityStatus),
+      processInfoPort(inputRouting), eventLoop(*connection, schedulerPort), eventAccessPort(*connection),
+      keyboard(*connection, schedulerPort), clientWindows(*connection), windowAccess(*connection, clientWindows),
+      focusKeeper(*connection, schedulerPort, clientWindows), accessibilityPort(windowAccess, accessibilityStatus),
+      screensPort(*connection, schedulerPort, notificationCenterPort, clientWindows), windowServerPort(windowAccess),
       workspacePort(*connection, schedulerPort, clientWindows, windowAccess, focusKeeper),
-      applicationPort(remoteControl), viewsPort(makeViews(*connection)),
-      panelsPort(makePanels(*connection, schedulerPort, screensPort, keyboard)),
+      desktopAppearance(*connection), applicationPort(remoteControl, notificationCenterPort),
+      titledWindowsPort(std::make_unique<X11TitledWindows>(*connection, screensPort, clientWindows, desktopAppearance,
+                                                           applicationPort)),
+      viewsPort(makeViews(*connection)), panelsPort(makePanels(*connection, schedulerPort, screensPort, keyboard)),
       screenCapturePort(makeScreenCapture(*connection, schedulerPort, clientWindows)),
-      eventTapsPort(makeEventTaps(*connection, schedulerPort, keyboard)),
-      statusBarPort(makeStatusBar(*connection, schedulerPort)),
+      eventTapsPort(makeEventTaps(*connection, schedulerPort, keyboard)), keyMonitorsPort(makeKeyMonitors(keyboard)),
+      statusBarPort(makeStatusBar(*connection, schedulerPort, desktopAppearance)),
       syntheticEventsPort(*connection, schedulerPort, keyboard, focusKeeper) {
     userDefaultsPort.watchFile();
 }

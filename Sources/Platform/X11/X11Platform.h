@@ -2,17 +2,22 @@
 
 #include "Platform/InProcessNotificationCenter.h"
 #include "Platform/Platform.h"
+#include "Platform/TitledWindow.h"
 #include "Platform/X11/Accessibility.h"
+#include "Platform/X11/AccessibilityStatus.h"
 #include "Platform/X11/Application.h"
 #include "Platform/X11/ClientWindows.h"
 #include "Platform/X11/Clock.h"
 #include "Platform/X11/Connection.h"
+#include "Platform/X11/DesktopAppearance.h"
 #include "Platform/X11/DesktopPorts.h"
+#include "Platform/X11/DistributedNotificationCenter.h"
 #include "Platform/X11/EventAccess.h"
 #include "Platform/X11/EventLoop.h"
 #include "Platform/X11/FileSystem.h"
 #include "Platform/X11/FocusKeeper.h"
 #include "Platform/X11/Keyboard.h"
+#include "Platform/X11/LoginItem.h"
 #include "Platform/X11/ProcessInfo.h"
 #include "Platform/X11/Scheduler.h"
 #include "Platform/X11/Screens.h"
@@ -39,10 +44,15 @@ public:
     Accessibility& accessibility() override { return accessibilityPort; }
     Bundle& bundle() override { return *bundlePort; }
     Clock& clock() override { return clockPort; }
+    DistributedNotificationCenter& distributedNotificationCenter() override {
+        return distributedNotificationCenterPort;
+    }
     EventAccess& eventAccess() override { return eventAccessPort; }
     EventTaps& eventTaps() override { return *eventTapsPort; }
     FileSystem& fileSystem() override { return fileSystemPort; }
     Images& images() override { return *imagesPort; }
+    KeyMonitors& keyMonitors() override { return *keyMonitorsPort; }
+    LoginItem& loginItem() override { return loginItemPort; }
     NotificationCenter& notificationCenter() override { return notificationCenterPort; }
     Panels& panels() override { return *panelsPort; }
     ProcessInfo& processInfo() override { return processInfoPort; }
@@ -51,6 +61,7 @@ public:
     Screens& screens() override { return screensPort; }
     StatusBar& statusBar() override { return *statusBarPort; }
     SyntheticEvents& syntheticEvents() override { return syntheticEventsPort; }
+    TitledWindows& titledWindows() override { return *titledWindowsPort; }
     UserDefaults& userDefaults() override { return userDefaultsPort; }
     Views& views() override { return *viewsPort; }
     WindowServer& windowServer() override { return windowServerPort; }
@@ -63,6 +74,9 @@ private:
     std::unique_ptr<Connection> connection;
     X11Clock clockPort;
     X11FileSystem fileSystemPort;
+    X11LoginItem loginItemPort;
+    AccessibilityStatus accessibilityStatus;
+    X11DistributedNotificationCenter distributedNotificationCenterPort;
     InProcessNotificationCenter notificationCenterPort;
     X11ProcessInfo processInfoPort;
     X11UserDefaults userDefaultsPort;
@@ -77,13 +91,16 @@ private:
     X11Screens screensPort;
     X11WindowServer windowServerPort;
     X11Workspace workspacePort;
+    DesktopAppearance desktopAppearance;
     X11Application applicationPort;
+    std::unique_ptr<TitledWindows> titledWindowsPort;
     std::unique_ptr<Views> viewsPort;
     std::unique_ptr<Panels> panelsPort;
     std::unique_ptr<ScreenCapture> screenCapturePort;
     std::unique_ptr<Bundle> bundlePort = makeBundle();
     std::unique_ptr<Images> imagesPort = makeImages();
     std::unique_ptr<EventTaps> eventTapsPort;
+    std::unique_ptr<KeyMonitors> keyMonitorsPort;
     std::unique_ptr<StatusBar> statusBarPort;
     X11SyntheticEvents syntheticEventsPort;
 };

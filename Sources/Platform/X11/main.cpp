@@ -69,7 +69,7 @@ public:
             return show(*reply);
         }
         return onDisplay([&request](std::unique_ptr<Connection> connection) {
-            const auto application = makeApplication();
+            const auto application = makeApplication(connection->scale());
             RemoteControl remoteControl;
             if (!remoteControl.hasBus()) {
                 complain("Nessun bus di sessione D-Bus: niente comandi e nessun controllo di altre istanze "

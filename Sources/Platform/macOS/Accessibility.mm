@@ -59,11 +59,11 @@ private:
 AccessibilityValue toGeometry(AXValueRef value) {
     CGPoint point;
     if (AXValueGetValue(value, kAXValueTypeCGPoint, &point)) {
-        return DisplayPoint{point.x, point.y};
+        return toPoint<DisplaySpace>(point);
     }
     CGSize size;
     if (AXValueGetValue(value, kAXValueTypeCGSize, &size)) {
-        return Size{size.width, size.height};
+        return toSize(size);
     }
     return {};
 }
@@ -122,7 +122,7 @@ struct ToObject {
         return CFBridgingRelease(AXValueCreate(kAXValueTypeCGPoint, &point));
     }
     id _Nullable operator()(const Size& value) const {
-        const CGSize size = NSMakeSize(value.width, value.height);
+        const CGSize size = toNSSize(value);
         return CFBridgingRelease(AXValueCreate(kAXValueTypeCGSize, &size));
     }
     id operator()(const std::shared_ptr<AccessibilityElement>& value) const {
@@ -146,9 +146,9 @@ class MacAccessibility final : public Accessibility {
 public:
     bool isProcessTrusted() const override { return AXIsProcessTrusted(); }
 
-    void promptForTrust() override {
+    bool promptForTrust() override {
         NSDictionary* const options = @{(__bridge NSString*)kAXTrustedCheckOptionPrompt : @YES};
-        AXIsProcessTrustedWithOptions((__bridge CFDictionaryRef)options);
+        return AXIsProcessTrustedWithOptions((__bridge CFDictionaryRef)options);
     }
 
     std::shared_ptr<AccessibilityElement> applicationElement(ProcessID pid) const override {

@@ -62,6 +62,7 @@ public:
     }
     void setMainMenu(std::shared_ptr<Menu> menu) override { application.mainMenu = makeNativeMenu(std::move(menu)); }
     void run() override { [application run]; }
+    void activateIgnoringOtherApps() override { [application activateIgnoringOtherApps:YES]; }
     void terminate() override { [application terminate:nil]; }
 
 private:

@@ -47,13 +47,26 @@ NSPoint toNSPoint(const PointIn<Space>& point) {
 }
 
 template <class Space>
+PointIn<Space> toPoint(const NSPoint& point) {
+    return {point.x, point.y};
+}
+
+inline Size toSize(const NSSize& size) {
+    return {size.width, size.height};
+}
+
+inline NSSize toNSSize(const Size& size) {
+    return NSMakeSize(size.width, size.height);
+}
+
+template <class Space>
 NSRect toNSRect(const RectIn<Space>& rect) {
     return NSMakeRect(rect.origin.x, rect.origin.y, rect.size.width, rect.size.height);
 }
 
 template <class Space>
 RectIn<Space> toRect(const NSRect& rect) {
-    return {{rect.origin.x, rect.origin.y}, {rect.size.width, rect.size.height}};
+    return {toPoint<Space>(rect.origin), toSize(rect.size)};
 }
 
 } // namespace quillon::macos

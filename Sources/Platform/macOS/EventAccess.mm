@@ -11,6 +11,7 @@ namespace {
 class MacEventAccess final : public EventAccess {
 public:
     bool preflightPostEventAccess() const override { return CGPreflightPostEventAccess(); }
+    bool requestPostEventAccess() override { return CGRequestPostEventAccess(); }
     bool preflightListenEventAccess() const override { return CGPreflightListenEventAccess(); }
 };
 

@@ -51,7 +51,7 @@ public:
         return image != nil ? std::make_shared<MacImage>(image) : nullptr;
     }
 
-    Size size() const override { return {image.size.width, image.size.height}; }
+    Size size() const override { return toSize(image.size); }
     std::shared_ptr<Image> withSymbolConfiguration(const SymbolConfiguration& configuration) const override {
         return make([image imageWithSymbolConfiguration:toNSImageSymbolConfiguration(configuration)]);
     }
@@ -90,7 +90,7 @@ public:
 
     std::shared_ptr<Image> drawnImage(const Size& size, ImageDrawingHandler handler) override {
         // AppKit draws an image on the thread of the one who shows it: the main thread for everything on screen.
-        NSImage* const image = [NSImage imageWithSize:NSMakeSize(size.width, size.height)
+        NSImage* const image = [NSImage imageWithSize:toNSSize(size)
                                               flipped:NO
                                        drawingHandler:^BOOL(NSRect bounds) {
                                            MacImageDrawing drawing;

@@ -4,10 +4,13 @@
 #include "Platform/Application.h"
 #include "Platform/Bundle.h"
 #include "Platform/Clock.h"
+#include "Platform/DistributedNotificationCenter.h"
 #include "Platform/EventAccess.h"
 #include "Platform/EventTap.h"
 #include "Platform/FileSystem.h"
 #include "Platform/Images.h"
+#include "Platform/KeyMonitor.h"
+#include "Platform/LoginItem.h"
 #include "Platform/NotificationCenter.h"
 #include "Platform/Panel.h"
 #include "Platform/ProcessInfo.h"
@@ -16,6 +19,7 @@
 #include "Platform/Screens.h"
 #include "Platform/StatusBar.h"
 #include "Platform/SyntheticEvents.h"
+#include "Platform/TitledWindow.h"
 #include "Platform/UserDefaults.h"
 #include "Platform/Views.h"
 #include "Platform/WindowServer.h"
@@ -32,10 +36,15 @@ public:
     Accessibility& accessibility() override { return *accessibilityPort; }
     Bundle& bundle() override { return *bundlePort; }
     Clock& clock() override { return *clockPort; }
+    DistributedNotificationCenter& distributedNotificationCenter() override {
+        return *distributedNotificationCenterPort;
+    }
     EventAccess& eventAccess() override { return *eventAccessPort; }
     EventTaps& eventTaps() override { return *eventTapsPort; }
     FileSystem& fileSystem() override { return *fileSystemPort; }
     Images& images() override { return *imagesPort; }
+    KeyMonitors& keyMonitors() override { return *keyMonitorsPort; }
+    LoginItem& loginItem() override { return *loginItemPort; }
     NotificationCenter& notificationCenter() override { return *notificationCenterPort; }
     Panels& panels() override { return *panelsPort; }
     ProcessInfo& processInfo() override { return *processInfoPort; }
@@ -44,6 +53,7 @@ public:
     Screens& screens() override { return *screensPort; }
     StatusBar& statusBar() override { return *statusBarPort; }
     SyntheticEvents& syntheticEvents() override { return *syntheticEventsPort; }
+    TitledWindows& titledWindows() override { return *titledWindowsPort; }
     UserDefaults& userDefaults() override { return *userDefaultsPort; }
     Views& views() override { return *viewsPort; }
     WindowServer& windowServer() override { return *windowServerPort; }
@@ -55,10 +65,14 @@ private:
     std::unique_ptr<Accessibility> accessibilityPort = macos::makeAccessibility();
     std::unique_ptr<Bundle> bundlePort = macos::makeBundle();
     std::unique_ptr<Clock> clockPort = macos::makeClock();
+    std::unique_ptr<DistributedNotificationCenter> distributedNotificationCenterPort =
+        macos::makeDistributedNotificationCenter();
     std::unique_ptr<EventAccess> eventAccessPort = macos::makeEventAccess();
     std::unique_ptr<EventTaps> eventTapsPort = macos::makeEventTaps();
     std::unique_ptr<FileSystem> fileSystemPort = macos::makeFileSystem();
     std::unique_ptr<Images> imagesPort = macos::makeImages();
+    std::unique_ptr<KeyMonitors> keyMonitorsPort = macos::makeKeyMonitors();
+    std::unique_ptr<LoginItem> loginItemPort = macos::makeLoginItem();
     std::unique_ptr<NotificationCenter> notificationCenterPort = macos::makeNotificationCenter();
     std::unique_ptr<Panels> panelsPort = macos::makePanels();
     std::unique_ptr<ProcessInfo> processInfoPort = macos::makeProcessInfo();
@@ -67,6 +81,7 @@ private:
     std::unique_ptr<Screens> screensPort = macos::makeScreens();
     std::unique_ptr<StatusBar> statusBarPort = macos::makeStatusBar();
     std::unique_ptr<SyntheticEvents> syntheticEventsPort = macos::makeSyntheticEvents();
+    std::unique_ptr<TitledWindows> titledWindowsPort = macos::makeTitledWindows();
     std::unique_ptr<UserDefaults> userDefaultsPort = macos::makeUserDefaults();
     std::unique_ptr<Views> viewsPort = macos::makeViews();
     std::unique_ptr<WindowServer> windowServerPort = macos::makeWindowServer();

@@ -13,7 +13,8 @@ namespace {
 class MacNotificationCenter final : public NotificationCenter {
 public:
     RegistrationToken addObserver(std::string_view name, std::function<void()> callback) override {
-        return observe(center, toNSString(name), [callback = std::move(callback)](NSNotification*) { callback(); });
+        return observe(center, toNSString(name), nil,
+                       [callback = std::move(callback)](NSNotification*) { callback(); });
     }
 
     void post(std::string_view name) override { [center postNotificationName:toNSString(name) object:nil]; }

@@ -8,9 +8,9 @@
 
 namespace quillon::macos {
 
-/// Calls back on the main operation queue for every later notification of that name, from any sender, until the
-/// token is destroyed.
+/// Calls back on the main operation queue for every later notification of that name, from the sender or, for nil, from
+/// any, until the token is destroyed.
 [[nodiscard]] RegistrationToken observe(NSNotificationCenter* _Nonnull center, NSNotificationName _Nonnull name,
-                                        std::function<void(NSNotification* _Nonnull)> callback);
+                                        id _Nullable sender, std::function<void(NSNotification* _Nonnull)> callback);
 
 } // namespace quillon::macos

@@ -16,10 +16,10 @@ private:
 
 } // namespace
 
-RegistrationToken observe(NSNotificationCenter* center, NSNotificationName name,
+RegistrationToken observe(NSNotificationCenter* center, NSNotificationName name, id sender,
                           std::function<void(NSNotification*)> callback) {
     const id<NSObject> observer = [center addObserverForName:name
-                                                      object:nil
+                                                      object:sender
                                                        queue:NSOperationQueue.mainQueue
                                                   usingBlock:^(NSNotification* notification) {
                                                       // The callback may end the observation, and with it this block.

@@ -1,6 +1,7 @@
 #include "Platform/Panel.h"
 
 #include "Platform/macOS/Conversions.h"
+#include "Platform/macOS/NativeCollectionBehavior.h"
 #include "Platform/macOS/NativeView.h"
 #include "Platform/macOS/Ports.h"
 #include "ProgrammingError.h"
@@ -29,7 +30,7 @@ std::optional<PanelEvent> toPanelEvent(NSEvent* event) {
     }
     PanelEvent result;
     result.type = static_cast<EventType>(event.type);
-    result.locationInWindow = {event.locationInWindow.x, event.locationInWindow.y};
+    result.locationInWindow = toPoint<WindowSpace>(event.locationInWindow);
     result.modifierFlags = event.modifierFlags;
     // AppKit raises an exception when an event is asked for what its type does not have.
     if (type == NSEventMaskScrollWheel) {
@@ -119,8 +120,7 @@ public:
     bool isVisible() const override { return panel.visible; }
     void setLevel(int level) override { panel.level = level; }
     void setCollectionBehavior(CollectionBehavior behavior) override {
-        panel.collectionBehavior = (behavior.canJoinAllSpaces ? NSWindowCollectionBehaviorCanJoinAllSpaces : 0U) |
-                                   (behavior.fullScreenAuxiliary ? NSWindowCollectionBehaviorFullScreenAuxiliary : 0U);
+        panel.collectionBehavior = nativeCollectionBehavior(behavior);
     }
     void setAlphaValue(double alpha) override { panel.alphaValue = alpha; }
     void animateAlphaValue(double alpha, Seconds duration) override {

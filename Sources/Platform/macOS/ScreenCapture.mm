@@ -309,6 +309,8 @@ public:
                                       deliver(completion, toResult(image, error));
                                   }];
     }
+    bool preflightAccess() const override { return CGPreflightScreenCaptureAccess(); }
+    bool requestAccess() override { return CGRequestScreenCaptureAccess(); }
 
 private:
     static std::variant<ShareableContent, CaptureError> toResult(SCShareableContent* _Nullable content,

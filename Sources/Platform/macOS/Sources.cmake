@@ -5,10 +5,17 @@ set(quillon_macos_sources
     Application.mm
     Bundle.mm
     Clock.mm
+    ColumnView.mm
+    Controls.mm
+    DistributedNotificationCenter.mm
     EventAccess.mm
     EventTaps.mm
     FileSystem.mm
+    FormView.mm
     Images.mm
+    KeyMonitors.mm
+    Layout.mm
+    LoginItem.mm
     MacPlatform.mm
     NativeMenu.mm
     NotificationCenter.mm
@@ -20,6 +27,7 @@ set(quillon_macos_sources
     Screens.mm
     StatusBar.mm
     SyntheticEvents.mm
+    TitledWindows.mm
     UserDefaults.mm
     Views.mm
     WindowServer.mm

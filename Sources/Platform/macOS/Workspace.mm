@@ -42,6 +42,11 @@ public:
     void activateApplication(ProcessID pid) override {
         [[NSRunningApplication runningApplicationWithProcessIdentifier:pid] activateWithOptions:0];
     }
+    void openURL(std::string_view url) override {
+        if (NSURL* const target = [NSURL URLWithString:toNSString(url)]) {
+            [workspace openURL:target];
+        }
+    }
     RegistrationToken observeDidActivateApplication(ApplicationCallback callback) override {
         return observeApplications(NSWorkspaceDidActivateApplicationNotification, std::move(callback));
     }
@@ -52,7 +57,7 @@ public:
 private:
     RegistrationToken observeApplications(NSNotificationName name, ApplicationCallback callback) {
         return observe(
-            workspace.notificationCenter, name,
+            workspace.notificationCenter, name, nil,
             [callback = std::move(callback)](NSNotification* notification) { callback(applicationOf(notification)); });
     }
 

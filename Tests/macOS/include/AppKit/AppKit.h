@@ -1,5 +1,5 @@
-// The application, menus, the status bar, windows, panels, views, drawing, images, events, screens and running
-// applications.
+// The application, menus, the status bar, windows, panels, views and their layout, controls, drawing, images, events,
+// screens and running applications.
 #pragma once
 
 #include <Foundation/Foundation.h>
@@ -8,11 +8,18 @@ NS_ASSUME_NONNULL_BEGIN
 
 @class CALayer;
 @class NSApplication;
+@class NSBundle;
 @class NSEvent;
 @class NSImage;
+@class NSLayoutConstraint;
+@class NSLayoutDimension;
+@class NSLayoutXAxisAnchor;
+@class NSLayoutYAxisAnchor;
 @class NSMenu;
 @class NSScreen;
 @class NSView;
+@class NSViewController;
+@class NSWindow;
 @protocol NSWindowDelegate;
 
 typedef NS_ENUM(NSUInteger, NSEventType) {
@@ -65,6 +72,7 @@ typedef NS_OPTIONS(NSUInteger, NSEventModifierFlags) {
 @property(class, readonly) NSPoint mouseLocation;
 + (nullable id)addLocalMonitorForEventsMatchingMask:(NSEventMask)mask
                                             handler:(NSEvent* _Nullable (^)(NSEvent* event))block;
++ (void)removeMonitor:(id)eventMonitor;
 @property(readonly) NSEventType type;
 @property(readonly) NSEventModifierFlags modifierFlags;
 @property(readonly) NSPoint locationInWindow;
@@ -100,6 +108,8 @@ typedef NS_ENUM(NSInteger, NSApplicationActivationPolicy) {
 @property(class, readonly, strong) __kindof NSApplication* sharedApplication;
 @property(nullable, weak) id<NSApplicationDelegate> delegate;
 @property(nullable, strong) NSMenu* mainMenu;
+@property(nullable, readonly, weak) NSWindow* keyWindow;
+- (void)activateIgnoringOtherApps:(BOOL)flag;
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)activationPolicy;
 - (void)finishLaunching;
 - (void)run;
@@ -114,7 +124,13 @@ typedef NS_ENUM(NSInteger, NSApplicationActivationPolicy) {
 
 @interface NSColor : NSObject <NSCopying>
 @property(class, strong, readonly) NSColor* clearColor;
+@property(class, strong, readonly) NSColor* labelColor;
+@property(class, strong, readonly) NSColor* secondaryLabelColor;
+@property(class, strong, readonly) NSColor* separatorColor;
+@property(class, strong, readonly) NSColor* systemGreenColor;
+@property(class, strong, readonly) NSColor* systemOrangeColor;
 @property(class, strong, readonly) NSColor* systemRedColor;
+@property(class, strong, readonly) NSColor* quinarySystemFillColor API_AVAILABLE(macos(14.0));
 + (NSColor*)colorWithWhite:(CGFloat)white alpha:(CGFloat)alpha;
 + (NSColor*)colorWithHue:(CGFloat)hue
               saturation:(CGFloat)saturation
@@ -160,6 +176,19 @@ extern const NSFontWeight NSFontWeightRegular;
 extern const NSFontWeight NSFontWeightSemibold;
 }
 
+typedef NSString* NSFontTextStyle;
+typedef NSString* NSFontTextStyleOptionKey;
+extern "C" NSFontTextStyle const NSFontTextStyleTitle2 API_AVAILABLE(macos(11.0));
+
+@interface NSFont : NSObject <NSCopying>
+@property(class, readonly) CGFloat systemFontSize;
+@property(class, readonly) CGFloat smallSystemFontSize;
++ (NSFont*)systemFontOfSize:(CGFloat)fontSize;
++ (NSFont*)boldSystemFontOfSize:(CGFloat)fontSize;
++ (NSFont*)preferredFontForTextStyle:(NSFontTextStyle)style
+                             options:(NSDictionary<NSFontTextStyleOptionKey, id>*)options API_AVAILABLE(macos(11.0));
+@end
+
 typedef NS_ENUM(NSUInteger, NSCompositingOperation) {
     NSCompositingOperationClear,
     NSCompositingOperationCopy,
@@ -180,7 +209,11 @@ API_AVAILABLE(macos(11.0))
     API_AVAILABLE(macos(12.0));
 @end
 
+typedef NSString* NSImageName;
+extern "C" NSImageName const NSImageNameApplicationIcon;
+
 @interface NSImage : NSObject
++ (nullable NSImage*)imageNamed:(NSImageName)name;
 + (nullable instancetype)imageWithSystemSymbolName:(NSString*)name
                           accessibilityDescription:(nullable NSString*)description API_AVAILABLE(macos(11.0));
 + (instancetype)imageWithSize:(NSSize)size
@@ -209,8 +242,71 @@ typedef NS_OPTIONS(NSUInteger, NSAutoresizingMaskOptions) {
     NSViewHeightSizable = 16,
 };
 
-@interface NSView : NSResponder <NSAnimatablePropertyContainer>
+@protocol NSAccessibility <NSObject>
+@required
+@property(getter=isAccessibilityElement) BOOL accessibilityElement;
+@property(nullable, copy) NSString* accessibilityLabel;
+- (BOOL)accessibilityPerformPress;
+@end
+
+@interface NSLayoutAnchor<AnchorType> : NSObject <NSCopying>
+- (NSLayoutConstraint*)constraintEqualToAnchor:(NSLayoutAnchor<AnchorType>*)anchor __attribute__((warn_unused_result));
+- (NSLayoutConstraint*)constraintGreaterThanOrEqualToAnchor:(NSLayoutAnchor<AnchorType>*)anchor
+    __attribute__((warn_unused_result));
+- (NSLayoutConstraint*)constraintEqualToAnchor:(NSLayoutAnchor<AnchorType>*)anchor
+                                      constant:(CGFloat)c __attribute__((warn_unused_result));
+- (NSLayoutConstraint*)constraintGreaterThanOrEqualToAnchor:(NSLayoutAnchor<AnchorType>*)anchor
+                                                   constant:(CGFloat)c __attribute__((warn_unused_result));
+@end
+@interface NSLayoutXAxisAnchor : NSLayoutAnchor <NSLayoutXAxisAnchor*>
+@end
+@interface NSLayoutYAxisAnchor : NSLayoutAnchor <NSLayoutYAxisAnchor*>
+@end
+@interface NSLayoutDimension : NSLayoutAnchor <NSLayoutDimension*>
+- (NSLayoutConstraint*)constraintEqualToConstant:(CGFloat)c __attribute__((warn_unused_result));
+- (NSLayoutConstraint*)constraintGreaterThanOrEqualToConstant:(CGFloat)c __attribute__((warn_unused_result));
+@end
+
+typedef float NSLayoutPriority;
+static const NSLayoutPriority NSLayoutPriorityDefaultHigh = 750;
+static const NSLayoutPriority NSLayoutPriorityDragThatCannotResizeWindow = 490;
+static const NSLayoutPriority NSLayoutPriorityDefaultLow = 250;
+static const NSLayoutPriority NSLayoutPriorityFittingSizeCompression = 50;
+typedef NS_ENUM(NSInteger, NSLayoutConstraintOrientation) {
+    NSLayoutConstraintOrientationHorizontal = 0,
+    NSLayoutConstraintOrientationVertical = 1,
+};
+typedef NS_ENUM(NSInteger, NSLayoutAttribute) {
+    NSLayoutAttributeLeading = 5,
+    NSLayoutAttributeCenterX = 9,
+};
+typedef NS_ENUM(NSInteger, NSUserInterfaceLayoutOrientation) {
+    NSUserInterfaceLayoutOrientationHorizontal = 0,
+    NSUserInterfaceLayoutOrientationVertical = 1,
+};
+
+@interface NSLayoutConstraint : NSObject
+@property NSLayoutPriority priority;
+@property(getter=isActive) BOOL active;
++ (void)activateConstraints:(NSArray<NSLayoutConstraint*>*)constraints;
+@end
+
+@interface NSView : NSResponder <NSAnimatablePropertyContainer, NSAccessibility>
 - (instancetype)initWithFrame:(NSRect)frameRect NS_DESIGNATED_INITIALIZER;
+@property(nullable, readonly, unsafe_unretained) NSView* superview;
+@property(copy) NSArray<__kindof NSView*>* subviews;
+@property BOOL translatesAutoresizingMaskIntoConstraints;
+@property(readonly, strong) NSLayoutXAxisAnchor* leadingAnchor;
+@property(readonly, strong) NSLayoutXAxisAnchor* trailingAnchor;
+@property(readonly, strong) NSLayoutYAxisAnchor* topAnchor;
+@property(readonly, strong) NSLayoutYAxisAnchor* bottomAnchor;
+@property(readonly, strong) NSLayoutDimension* widthAnchor;
+@property(readonly, strong) NSLayoutDimension* heightAnchor;
+@property(readonly) NSSize fittingSize;
+- (void)setContentHuggingPriority:(NSLayoutPriority)priority forOrientation:(NSLayoutConstraintOrientation)orientation;
+- (void)setContentCompressionResistancePriority:(NSLayoutPriority)priority
+                                 forOrientation:(NSLayoutConstraintOrientation)orientation;
+- (NSRect)convertRect:(NSRect)rect toView:(nullable NSView*)view;
 @property NSRect frame;
 @property NSRect bounds;
 @property NSAutoresizingMaskOptions autoresizingMask;
@@ -235,23 +331,125 @@ typedef NS_OPTIONS(NSUInteger, NSAutoresizingMaskOptions) {
 - (void)paste:(nullable id)sender;
 @end
 
-@interface NSScrollView : NSView
-@property(nullable, strong) __kindof NSView* documentView;
-@property BOOL hasVerticalScroller;
-@property BOOL automaticallyAdjustsContentInsets;
+@interface NSViewController : NSResponder
+- (instancetype)initWithNibName:(nullable NSString*)nibNameOrNil
+                         bundle:(nullable NSBundle*)nibBundleOrNil NS_DESIGNATED_INITIALIZER;
+@property(strong) NSView* view;
 @end
 
+typedef NS_ENUM(NSInteger, NSStackViewGravity) {
+    NSStackViewGravityLeading = 1,
+    NSStackViewGravityCenter = 2,
+    NSStackViewGravityTrailing = 3,
+};
+
+@interface NSStackView : NSView
+@property NSUserInterfaceLayoutOrientation orientation;
+@property NSLayoutAttribute alignment;
+@property NSEdgeInsets edgeInsets;
+@property CGFloat spacing;
+@property(readonly, copy) NSArray<__kindof NSView*>* arrangedSubviews;
+- (void)addArrangedSubview:(NSView*)view;
+- (void)insertArrangedSubview:(NSView*)view atIndex:(NSInteger)index;
+@property(readonly, copy) NSArray<__kindof NSView*>* views;
+- (void)addView:(NSView*)view inGravity:(NSStackViewGravity)gravity;
+- (void)setHuggingPriority:(NSLayoutPriority)huggingPriority forOrientation:(NSLayoutConstraintOrientation)orientation;
+@end
+
+typedef NS_ENUM(NSUInteger, NSBoxType) {
+    NSBoxPrimary = 0,
+    NSBoxSeparator = 2,
+    NSBoxCustom = 4,
+};
+
+@interface NSBox : NSView
+@property NSBoxType boxType;
+@end
+
+@interface NSClipView : NSView
+- (void)scrollToPoint:(NSPoint)newOrigin;
+@end
+
+@interface NSScrollView : NSView
+@property(nullable, strong) __kindof NSView* documentView;
+@property(strong) NSClipView* contentView;
+@property BOOL drawsBackground;
+@property BOOL hasVerticalScroller;
+@property BOOL autohidesScrollers;
+@property BOOL automaticallyAdjustsContentInsets;
+- (void)reflectScrolledClipView:(NSClipView*)cView;
+@end
+
+typedef NS_ENUM(NSUInteger, NSControlSize) {
+    NSControlSizeRegular = 0,
+    NSControlSizeSmall = 1,
+    NSControlSizeMini = 2,
+};
+typedef NS_ENUM(NSInteger, NSTextAlignment) {
+    NSTextAlignmentLeft = 0,
+#if defined(__x86_64__)
+    NSTextAlignmentRight = 1,
+    NSTextAlignmentCenter = 2,
+#else // the values of iOS
+    NSTextAlignmentCenter = 1,
+    NSTextAlignmentRight = 2,
+#endif
+};
+
 @interface NSControl : NSView
+@property(nullable, weak) id target;
+@property(nullable) SEL action;
+@property NSControlSize controlSize;
+@property(copy) NSString* stringValue;
+@property(nullable, copy) NSFont* font;
+@property NSTextAlignment alignment;
+- (BOOL)sendAction:(nullable SEL)action to:(nullable id)target;
+@end
+
+@interface NSTextField : NSControl
+@property(nullable, copy) NSColor* textColor;
+@property(getter=isSelectable) BOOL selectable;
++ (instancetype)wrappingLabelWithString:(NSString*)stringValue;
+@end
+
+typedef NS_ENUM(NSUInteger, NSImageScaling) {
+    NSImageScaleProportionallyDown = 0,
+    NSImageScaleAxesIndependently,
+    NSImageScaleNone,
+    NSImageScaleProportionallyUpOrDown,
+};
+
+@interface NSImageView : NSControl
+@property(nullable, strong) NSImage* image;
+@property NSImageScaling imageScaling;
+@property(nullable, copy) NSColor* contentTintColor;
++ (instancetype)imageViewWithImage:(NSImage*)image;
 @end
 
 @interface NSButton : NSControl
 @property(copy) NSString* title;
 @property(nullable, strong) NSImage* image;
+@property(copy) NSString* keyEquivalent;
++ (instancetype)buttonWithTitle:(NSString*)title target:(nullable id)target action:(nullable SEL)action;
+@end
+
+@interface NSPopUpButton : NSButton
+- (instancetype)initWithFrame:(NSRect)buttonFrame pullsDown:(BOOL)flag;
+@property(readonly) NSInteger indexOfSelectedItem;
+- (void)addItemWithTitle:(NSString*)title;
+- (void)removeAllItems;
+- (void)selectItemAtIndex:(NSInteger)index;
+- (void)selectItemWithTitle:(NSString*)title;
+@property(nullable, readonly, copy) NSString* titleOfSelectedItem;
 @end
 
 typedef NSInteger NSControlStateValue;
 static const NSControlStateValue NSControlStateValueOff = 0;
 static const NSControlStateValue NSControlStateValueOn = 1;
+
+@interface NSSwitch : NSControl
+@property NSControlStateValue state;
+@end
 
 @interface NSMenuItem : NSObject <NSCopying>
 + (NSMenuItem*)separatorItem;
@@ -313,6 +511,7 @@ typedef NS_OPTIONS(NSUInteger, NSWindowStyleMask) {
 typedef NS_OPTIONS(NSUInteger, NSWindowCollectionBehavior) {
     NSWindowCollectionBehaviorDefault = 0,
     NSWindowCollectionBehaviorCanJoinAllSpaces = 1 << 0,
+    NSWindowCollectionBehaviorMoveToActiveSpace = 1 << 1,
     NSWindowCollectionBehaviorFullScreenAuxiliary = 1 << 8,
 };
 
@@ -331,6 +530,9 @@ typedef NS_ENUM(NSInteger, NSWindowTabbingMode) {
                           styleMask:(NSWindowStyleMask)style
                             backing:(NSBackingStoreType)backingStoreType
                               defer:(BOOL)flag NS_DESIGNATED_INITIALIZER;
++ (instancetype)windowWithContentViewController:(NSViewController*)contentViewController;
++ (NSRect)frameRectForContentRect:(NSRect)cRect styleMask:(NSWindowStyleMask)style;
+@property NSWindowStyleMask styleMask;
 @property(readonly) NSRect frame;
 @property(copy) NSString* title;
 @property(nullable, strong) __kindof NSView* contentView;
@@ -351,15 +553,27 @@ typedef NS_ENUM(NSInteger, NSWindowTabbingMode) {
 @property NSWindowTabbingMode tabbingMode;
 - (NSRect)constrainFrameRect:(NSRect)frameRect toScreen:(nullable NSScreen*)screen;
 - (void)setFrame:(NSRect)frameRect display:(BOOL)flag;
+- (void)setFrameOrigin:(NSPoint)point;
+- (void)setContentSize:(NSSize)size;
+- (void)center;
+- (NSRect)contentRectForFrameRect:(NSRect)frameRect;
+@property(readonly, weak) NSResponder* firstResponder;
+- (BOOL)makeFirstResponder:(nullable NSResponder*)responder;
 - (void)displayIfNeeded;
 - (void)miniaturize:(nullable id)sender;
 - (void)makeKeyAndOrderFront:(nullable id)sender;
 - (void)orderFront:(nullable id)sender;
 - (void)orderBack:(nullable id)sender;
 - (void)orderOut:(nullable id)sender;
+- (void)performClose:(nullable id)sender;
 - (void)close;
 - (void)sendEvent:(NSEvent*)event;
 @end
+
+extern "C" {
+extern NSNotificationName NSWindowDidChangeScreenNotification;
+extern NSNotificationName NSWindowWillCloseNotification;
+}
 
 @protocol NSWindowDelegate <NSObject>
 @optional
@@ -376,6 +590,7 @@ typedef NS_ENUM(NSInteger, NSWindowTabbingMode) {
 @property(class, readonly, copy) NSArray<NSScreen*>* screens;
 @property(class, readonly, nullable, strong) NSScreen* mainScreen;
 @property(readonly) NSRect frame;
+@property(readonly) NSRect visibleFrame;
 @property(readonly) CGFloat backingScaleFactor;
 @end
 
@@ -400,6 +615,7 @@ extern NSString* const NSWorkspaceApplicationKey;
 @property(class, readonly, strong) NSWorkspace* sharedWorkspace;
 @property(readonly, strong) NSNotificationCenter* notificationCenter;
 @property(nullable, readonly, strong) NSRunningApplication* frontmostApplication;
+- (BOOL)openURL:(NSURL*)url;
 @end
 
 NS_ASSUME_NONNULL_END

@@ -110,6 +110,7 @@ bool CGDisplayModeIsUsableForDesktopGUI(CGDisplayModeRef _Nullable mode);
 CGError CGDisplaySetDisplayMode(CGDirectDisplayID display, CGDisplayModeRef _Nullable mode,
                                 CFDictionaryRef _Nullable options);
 void CGRestorePermanentDisplayConfiguration(void);
+CGError CGWarpMouseCursorPosition(CGPoint newCursorPosition);
 
 CGEventSourceRef _Nullable CGEventSourceCreate(CGEventSourceStateID stateID) __attribute__((cf_returns_retained));
 CGEventRef _Nullable CGEventCreateMouseEvent(CGEventSourceRef _Nullable source, CGEventType mouseType,
@@ -136,7 +137,9 @@ void CGEventTapEnable(CFMachPortRef tap, bool enable);
 
 bool CGPreflightListenEventAccess(void);
 bool CGPreflightPostEventAccess(void);
+bool CGRequestPostEventAccess(void);
 bool CGPreflightScreenCaptureAccess(void);
+bool CGRequestScreenCaptureAccess(void);
 }
 
 NS_ASSUME_NONNULL_END

@@ -31,7 +31,29 @@ inline NSRect NSMakeRect(CGFloat x, CGFloat y, CGFloat width, CGFloat height) {
 inline NSSize NSMakeSize(CGFloat width, CGFloat height) {
     return {width, height};
 }
-extern "C" const NSRect NSZeroRect;
+inline CGFloat NSMinX(NSRect rect) {
+    return rect.origin.x;
+}
+inline CGFloat NSMaxX(NSRect rect) {
+    return rect.origin.x + rect.size.width;
+}
+inline CGFloat NSMaxY(NSRect rect) {
+    return rect.origin.y + rect.size.height;
+}
+extern "C" {
+extern const NSRect NSZeroRect;
+NSRect NSInsetRect(NSRect rect, CGFloat dX, CGFloat dY);
+}
+
+typedef struct NSEdgeInsets {
+    CGFloat top;
+    CGFloat left;
+    CGFloat bottom;
+    CGFloat right;
+} NSEdgeInsets;
+inline NSEdgeInsets NSEdgeInsetsMake(CGFloat top, CGFloat left, CGFloat bottom, CGFloat right) {
+    return {top, left, bottom, right};
+}
 
 inline id _Nullable CFBridgingRelease(__attribute__((cf_consumed)) CFTypeRef _Nullable object) {
     return (__bridge_transfer id)object;
@@ -59,6 +81,7 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 + (nullable instancetype)stringWithUTF8String:(const char*)nullTerminatedCString;
 - (nullable instancetype)initWithBytes:(const void*)bytes length:(NSUInteger)len encoding:(NSStringEncoding)encoding;
 - (BOOL)isEqualToString:(NSString*)aString;
+- (BOOL)containsString:(NSString*)str;
 - (NSString*)stringByAppendingString:(NSString*)aString;
 - (nullable NSData*)dataUsingEncoding:(NSStringEncoding)encoding allowLossyConversion:(BOOL)lossy;
 @end
@@ -90,7 +113,9 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 @interface NSArray<__covariant ObjectType> : NSObject <NSCopying, NSFastEnumeration>
 + (instancetype)array;
 + (instancetype)arrayWithObjects:(const ObjectType _Nonnull[_Nonnull])objects count:(NSUInteger)cnt;
+@property(readonly) NSUInteger count;
 @property(nullable, nonatomic, readonly) ObjectType firstObject;
+- (ObjectType)objectAtIndexedSubscript:(NSUInteger)index;
 @end
 
 @interface NSMutableArray<ObjectType> : NSArray <ObjectType>
@@ -131,6 +156,7 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 
 @interface NSURL : NSObject <NSCopying>
 + (NSURL*)fileURLWithPath:(NSString*)path;
++ (nullable instancetype)URLWithString:(NSString*)URLString;
 @property(nullable, readonly, copy) NSString* path;
 @end
 
@@ -148,6 +174,28 @@ extern "C" NSFileAttributeKey const NSFilePosixPermissions;
                           error:(NSError**)error;
 @end
 
+typedef NSString* NSKeyValueChangeKey;
+typedef NS_OPTIONS(NSUInteger, NSKeyValueObservingOptions) {
+    NSKeyValueObservingOptionNew = 0x01,
+    NSKeyValueObservingOptionOld = 0x02,
+    NSKeyValueObservingOptionInitial = 0x04,
+};
+
+@interface NSObject (NSKeyValueObserving)
+- (void)observeValueForKeyPath:(nullable NSString*)keyPath
+                      ofObject:(nullable id)object
+                        change:(nullable NSDictionary<NSKeyValueChangeKey, id>*)change
+                       context:(nullable void*)context;
+@end
+
+@interface NSObject (NSKeyValueObserverRegistration)
+- (void)addObserver:(NSObject*)observer
+         forKeyPath:(NSString*)keyPath
+            options:(NSKeyValueObservingOptions)options
+            context:(nullable void*)context;
+- (void)removeObserver:(NSObject*)observer forKeyPath:(NSString*)keyPath context:(nullable void*)context;
+@end
+
 @interface NSUserDefaults : NSObject
 @property(class, readonly, strong) NSUserDefaults* standardUserDefaults;
 - (nullable id)objectForKey:(NSString*)defaultName;
@@ -160,6 +208,7 @@ extern "C" NSFileAttributeKey const NSFilePosixPermissions;
 @end
 
 typedef NSString* NSNotificationName;
+extern "C" NSNotificationName const NSUserDefaultsDidChangeNotification;
 
 @interface NSNotification : NSObject <NSCopying>
 @property(nullable, readonly, strong) id object;
@@ -174,6 +223,22 @@ typedef NSString* NSNotificationName;
                              queue:(nullable NSOperationQueue*)queue
                         usingBlock:(void (^)(NSNotification* notification))block;
 - (void)removeObserver:(id)observer;
+@end
+
+typedef NS_ENUM(NSUInteger, NSNotificationSuspensionBehavior) {
+    NSNotificationSuspensionBehaviorDrop = 1,
+    NSNotificationSuspensionBehaviorCoalesce = 2,
+    NSNotificationSuspensionBehaviorHold = 3,
+    NSNotificationSuspensionBehaviorDeliverImmediately = 4,
+};
+
+@interface NSDistributedNotificationCenter : NSNotificationCenter
++ (NSDistributedNotificationCenter*)defaultCenter;
+- (void)addObserver:(id)observer
+              selector:(SEL)selector
+                  name:(nullable NSNotificationName)name
+                object:(nullable NSString*)object
+    suspensionBehavior:(NSNotificationSuspensionBehavior)suspensionBehavior;
 @end
 
 @interface NSThread : NSObject
@@ -203,10 +268,13 @@ extern "C" NSRunLoopMode const NSDefaultRunLoopMode;
 
 @interface NSTask : NSObject
 @property(nullable, copy) NSURL* executableURL;
+@property(nullable, copy) NSArray<NSString*>* arguments;
 @property(nullable, strong) id standardInput;
 @property(nullable, strong) id standardOutput;
 @property(readonly) int processIdentifier;
+@property(readonly) int terminationStatus;
 - (BOOL)launchAndReturnError:(NSError* _Nullable* _Nullable)error;
+- (void)waitUntilExit;
 @end
 
 typedef struct {

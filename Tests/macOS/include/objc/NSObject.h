@@ -37,6 +37,7 @@ NS_ASSUME_NONNULL_BEGIN
 @class NSString;
 
 @protocol NSObject
+- (BOOL)isEqual:(nullable id)object;
 - (BOOL)isKindOfClass:(Class)aClass;
 @property(readonly, copy) NSString* description;
 @end

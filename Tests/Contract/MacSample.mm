@@ -9,6 +9,8 @@
 //     draw NUMBER                       a content that the window has not shown before
 //     close NUMBER
 //     keys NUMBER CODE                  answers how often the key was pressed in the window
+//     pointer NUMBER                    answers how many events of the mouse and the wheel the window got, and then one
+//                                       line for each: its type, place, modifiers, button, click count and deltas
 //
 // Places are in the window server's coordinates. The program ends with its standard input.
 
@@ -22,6 +24,7 @@
 #include <string>
 #include <thread>
 #include <utility>
+#include <vector>
 
 /// A window of which nothing but its maker decides where it lies.
 @interface SampleWindow : NSWindow
@@ -71,6 +74,23 @@ void answer(NSInteger number) {
     std::cout << number << std::endl;
 }
 
+/// Type, x, y, modifiers, button number, click count, horizontal and vertical delta, the place from the window's top
+/// left.
+std::string describe(NSEvent* event, NSWindow* window) {
+    const NSPoint place = event.locationInWindow;
+    const bool isScroll = event.type == NSEventTypeScrollWheel;
+    const bool isDrag = event.type == NSEventTypeLeftMouseDragged;
+    std::ostringstream line;
+    line << event.type << ' ' << place.x << ' ' << window.frame.size.height - place.y << ' '
+         << (event.modifierFlags & (NSEventModifierFlagShift | NSEventModifierFlagControl | NSEventModifierFlagOption |
+                                    NSEventModifierFlagCommand))
+         << ' ';
+    // AppKit throws when it is asked for what the event's type does not have.
+    line << (isScroll || isDrag ? 0 : event.buttonNumber) << ' ' << (isScroll || isDrag ? 0 : event.clickCount) << ' '
+         << (isScroll ? event.scrollingDeltaX : 0) << ' ' << (isScroll ? event.scrollingDeltaY : 0);
+    return line.str();
+}
+
 NSRect readPlace(std::istream& arguments) {
     NSRect place{};
     arguments >> place.origin.x >> place.origin.y >> place.size.width >> place.size.height;
@@ -91,6 +111,8 @@ NSRect readPlace(std::istream& arguments) {
     SampleWindow* awaitedKeyWindow;
     /// By the window's number and the key's code.
     std::map<std::pair<NSInteger, unsigned>, NSInteger> keyPresses;
+    /// By the window's number.
+    std::map<NSInteger, std::vector<std::string>> pointerEvents;
 }
 
 - (instancetype)init {
@@ -101,6 +123,15 @@ NSRect readPlace(std::istream& arguments) {
                                           handler:^NSEvent*(NSEvent* event) {
                                               ++self->keyPresses[{event.windowNumber, event.keyCode}];
                                               return nil;
+                                          }];
+    [NSEvent addLocalMonitorForEventsMatchingMask:NSEventMaskLeftMouseDown | NSEventMaskLeftMouseUp |
+                                                  NSEventMaskRightMouseDown | NSEventMaskRightMouseUp |
+                                                  NSEventMaskOtherMouseDown | NSEventMaskOtherMouseUp |
+                                                  NSEventMaskLeftMouseDragged | NSEventMaskScrollWheel
+                                          handler:^NSEvent*(NSEvent* event) {
+                                              self->pointerEvents[event.windowNumber].push_back(
+                                                  describe(event, self->windows[@(event.windowNumber)]));
+                                              return event;
                                           }];
     return self;
 }
@@ -142,6 +173,12 @@ NSRect readPlace(std::istream& arguments) {
         unsigned code = 0;
         arguments >> code;
         answer(keyPresses[{number, code}]);
+    } else if (command == "pointer") {
+        const auto& events = pointerEvents[number];
+        answer(static_cast<NSInteger>(events.size()));
+        for (const auto& event : events) {
+            std::cout << event << std::endl;
+        }
     } else {
         std::cerr << "there is no such command: " << line << std::endl;
         std::exit(EXIT_FAILURE);

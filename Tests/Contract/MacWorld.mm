@@ -15,6 +15,7 @@
 #include <filesystem>
 #include <fmt/format.h>
 #include <poll.h>
+#include <sstream>
 #include <stdexcept>
 #include <string_view>
 #include <unistd.h>
@@ -88,12 +89,13 @@ public:
                 "the sample program has ended before it was told: " + command);
     }
     /// The number that the program answers with, once the command is carried out.
-    std::uint32_t answer() {
+    std::uint32_t answer() { return static_cast<std::uint32_t>(std::stoul(answerLine())); }
+    std::string answerLine() {
         std::string line;
         char byte = 0;
         while (outputIsReadable() && ::read(outputFile(), &byte, 1) == 1) {
             if (byte == '\n') {
-                return static_cast<std::uint32_t>(std::stoul(line));
+                return line;
             }
             line += byte;
         }
@@ -270,6 +272,18 @@ public:
     }
     std::size_t keyPressesOf(const OtherWindow& window, std::uint16_t keyCode) override {
         return sampleOf(window).obey(fmt::format("keys {} {}", window.windowID, keyCode));
+    }
+    std::vector<PointerEvent> pointerEventsOf(const OtherWindow& window) override {
+        auto& sample = sampleOf(window);
+        std::vector<PointerEvent> received(sample.obey(fmt::format("pointer {}", window.windowID)));
+        for (auto& event : received) {
+            std::istringstream line(sample.answerLine());
+            std::uint32_t type = 0;
+            line >> type >> event.location.x >> event.location.y >> event.modifiers >> event.buttonNumber >>
+                event.clickCount >> event.scrollX >> event.scrollY;
+            event.type = SystemEventType{type}; // AppKit's numbers are the same
+        }
+        return received;
     }
     /// Taps do not claim presses, so that nobody can claim one before them.
     bool claim(const KeyPress& /*press*/) override { return false; }

@@ -41,17 +41,23 @@ public:
     void kill(const OtherWindow& window) override { desktop.terminate(window.pid); }
     void click(const ScreenPoint& point) override { desktop.click(point); }
     void pressKey(const KeyPress& press) override {
-        if (desktop.eventTaps().pressKey(press.keyCode, press.modifiers) == TappedEvent::swallowed) {
-            return;
-        }
-        if (auto* own = desktop.titledWindows().keyWindow()) {
-            pressKeyIn(*own, press);
-        } else {
+        const bool isForOwnWindow = desktop.titledWindows().keyWindow() != nullptr;
+        if (desktop.pressKey(press.keyCode, press.modifiers) == TappedEvent::passes && !isForOwnWindow) {
             ++keyPresses[press.keyCode];
         }
     }
     std::size_t keyPressesOf(const OtherWindow& /*window*/, std::uint16_t keyCode) override {
         return keyPresses[keyCode];
+    }
+    std::vector<PointerEvent> pointerEventsOf(const OtherWindow& window) override {
+        std::vector<PointerEvent> received;
+        for (const auto& event : desktop.syntheticEvents().posted()) {
+            if (event.pid == window.pid &&
+                integer(event, SystemEventField::mouseEventWindowUnderMousePointer) == window.windowID) {
+                received.push_back(receivedEvent(event, desktop.model().window(window.windowID).bounds.origin));
+            }
+        }
+        return received;
     }
     bool claim(const KeyPress& press) override {
         desktop.eventTaps().setReach(press, KeyPressReach::heldByAnotherProgram);
@@ -109,12 +115,28 @@ public:
     WindowUser* windowUser() override { return &user; }
 
 private:
-    void pressKeyIn(simulated::SimulatedTitledWindow& window, const KeyPress& press) {
-        constexpr std::uint16_t escapeKey = 53;
-        const auto result = desktop.keyMonitors().deliver({press.keyCode, press.modifiers});
-        if (result == TappedEvent::passes && press.keyCode == escapeKey) {
-            window.pressEscape();
+    /// 0 for a field that was not set.
+    static std::int64_t integer(const simulated::PostedEvent& event, SystemEventField field) {
+        const auto found = event.integers.find(field);
+        return found != event.integers.end() ? found->second : 0;
+    }
+    static PointerEvent receivedEvent(const simulated::PostedEvent& event, const DisplayPoint& origin) {
+        PointerEvent result{.type = event.type,
+                            .location = {event.location.x - origin.x, event.location.y - origin.y},
+                            .modifiers = event.flags};
+        if (!event.button) {
+            const bool isContinuous = integer(event, SystemEventField::scrollWheelEventIsContinuous) != 0;
+            result.scrollY =
+                isContinuous ? event.doubles.at(SystemEventField::scrollWheelEventPointDeltaAxis1) : event.wheel1;
+            result.scrollX =
+                isContinuous ? event.doubles.at(SystemEventField::scrollWheelEventPointDeltaAxis2) : event.wheel2;
+            return result;
         }
+        result.buttonNumber = event.integers.contains(SystemEventField::mouseEventButtonNumber)
+                                  ? integer(event, SystemEventField::mouseEventButtonNumber)
+                                  : static_cast<std::int64_t>(*event.button);
+        result.clickCount = integer(event, SystemEventField::mouseEventClickState);
+        return result;
     }
 
     simulated::Desktop desktop;

@@ -5,12 +5,14 @@
 #include "Platform/Platform.h"
 #include "Platform/Scheduler.h"
 #include "Platform/StatusBar.h"
+#include "Platform/SystemEvent.h"
 #include "Platform/WindowServer.h"
 
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace quillon::contract {
 
@@ -20,6 +22,21 @@ class WindowUser;
 struct OtherWindow {
     WindowID windowID = 0;
     ProcessID pid = 0;
+};
+
+/// What the pointer did in a window, as the window's program was told.
+struct PointerEvent {
+    /// A press, a release, a drag or the wheel.
+    SystemEventType type = SystemEventType::scrollWheel;
+    /// In points from the window's top left.
+    DisplayPoint location;
+    EventFlags modifiers = 0;
+    // Of a press and a release:
+    std::int64_t buttonNumber = 0; ///< as in `SystemEventField::mouseEventButtonNumber`
+    std::int64_t clickCount = 0;
+    // Of the wheel; positive towards the left and the top:
+    double scrollX = 0;
+    double scrollY = 0;
 };
 
 inline constexpr KeyPress controlCommandP{35, eventFlagMaskControl | eventFlagMaskCommand};
@@ -62,6 +79,8 @@ public:
     virtual void pressKey(const KeyPress& press) = 0;
     /// How many presses of the key the window has got. Not while a key is pressed.
     [[nodiscard]] virtual std::size_t keyPressesOf(const OtherWindow& window, std::uint16_t keyCode) = 0;
+    /// What the program of a window that `openWindow` opened was told of the pointer there, in that order.
+    [[nodiscard]] virtual std::vector<PointerEvent> pointerEventsOf(const OtherWindow& window) = 0;
     /// Another program claims the key press for itself; false when a program cannot do that on this desktop.
     [[nodiscard]] virtual bool claim(const KeyPress& press) = 0;
     virtual void giveBack(const KeyPress& press) = 0;

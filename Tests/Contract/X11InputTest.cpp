@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <limits>
 #include <string>
 #include <unordered_map>
 
@@ -109,6 +111,17 @@ TEST(X11ScrollSteps, SmallMovementsAddUpForEachWindow) {
     EXPECT_EQ(scrolling.steps(1, 1, 0), (Steps{1, 0}));
     EXPECT_EQ(scrolling.steps(1, -40, 31), (Steps{-2, 2}));
     EXPECT_EQ(scrolling.steps(1, -5, -1), (Steps{-1, 0}));
+}
+
+TEST(X11ScrollSteps, OneEventHasABoundedNumberOfSteps) {
+    ScrollSteps scrolling;
+    using Steps = ScrollSteps::Steps;
+    constexpr int most = ScrollSteps::mostSteps;
+    EXPECT_EQ(scrolling.steps(1, 1e9, -1e9), (Steps{most, -most}));
+    EXPECT_EQ(ScrollSteps::ofLines(1'000'000'000, std::numeric_limits<std::int32_t>::min()), (Steps{most, -most}));
+    EXPECT_EQ(ScrollSteps::ofLines(-3, most), (Steps{-3, most}));
+    // What was left out is forgotten.
+    EXPECT_EQ(scrolling.steps(1, 5, 25), (Steps{1, 1}));
 }
 
 } // namespace

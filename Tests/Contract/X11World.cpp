@@ -6,6 +6,8 @@
 #include "XClient.h"
 
 #include "Platform/Scheduler.h"
+#include "Platform/X11/ClickCounter.h"
+#include "Platform/X11/PointerButtons.h"
 #include "Platform/X11/QtApplication.h"
 #include "Platform/X11/X11Platform.h"
 
@@ -20,6 +22,8 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <map>
+#include <sstream>
 #include <stdexcept>
 #include <vector>
 
@@ -54,6 +58,87 @@ std::uint16_t modifierBits(EventFlags flags) {
     }
     return bits;
 }
+
+/// One line of what the sample program writes down; none for what is no action of the pointer.
+struct InputLine {
+    std::string action;
+    xcb_button_t button = 0; ///< of a press and a release
+    int x = 0;
+    int y = 0;
+    std::uint16_t state = 0;
+};
+
+std::optional<InputLine> parseInput(const std::string& line) {
+    InputLine input;
+    std::istringstream words(line);
+    std::string receiver;
+    words >> receiver >> input.action;
+    if (input.action == "press" || input.action == "release") {
+        int button = 0;
+        words >> button;
+        input.button = static_cast<xcb_button_t>(button);
+    } else if (input.action != "move") {
+        return std::nullopt;
+    }
+    std::string preposition;
+    std::string stateName;
+    char comma = 0;
+    std::string state;
+    words >> preposition >> input.x >> comma >> input.y >> stateName >> state;
+    input.state = static_cast<std::uint16_t>(std::stoul(state, nullptr, 16));
+    return input;
+}
+
+EventFlags modifiersIn(std::uint16_t state) {
+    EventFlags flags = 0;
+    for (const auto& modifier : modifierKeys) {
+        flags |= (state & modifier.bit) != 0 ? modifier.flag : 0;
+    }
+    return flags;
+}
+
+/// Reads the pointer's actions as X programs do: they count clicks by themselves, and the wheel's buttons are no
+/// buttons to them. The sample program tells no times, so that presses in one place count as following at once.
+class PointerReader {
+public:
+    /// None for what makes no event of its own: a move without a button, the wheel's button coming up.
+    [[nodiscard]] std::optional<PointerEvent> read(const InputLine& input) {
+        PointerEvent event{.location = {static_cast<double>(input.x), static_cast<double>(input.y)},
+                           .modifiers = modifiersIn(input.state)};
+        if (input.action == "move") {
+            if ((input.state & XCB_BUTTON_MASK_1) == 0) {
+                return std::nullopt;
+            }
+            event.type = SystemEventType::leftMouseDragged;
+            clicks.drag(input.x, input.y);
+            return event;
+        }
+        const bool isPress = input.action == "press";
+        if (x11::isWheel(input.button)) {
+            event.scrollY = (input.button == x11::wheelUp) - (input.button == x11::wheelDown);
+            event.scrollX = (input.button == x11::wheelLeft) - (input.button == x11::wheelRight);
+            return isPress ? std::optional(event) : std::nullopt;
+        }
+        event.buttonNumber = x11::buttonNumber(input.button);
+        event.clickCount = isPress ? clicks.press(input.button, 0, input.x, input.y, {}) : clicks.release(input.button);
+        event.type = typeOf(event.buttonNumber, isPress);
+        return event;
+    }
+
+private:
+    static SystemEventType typeOf(std::int64_t number, bool isPress) {
+        switch (number) {
+        case 0:
+            return isPress ? SystemEventType::leftMouseDown : SystemEventType::leftMouseUp;
+        case 1:
+            return isPress ? SystemEventType::rightMouseDown : SystemEventType::rightMouseUp;
+        default:
+            return isPress ? SystemEventType::otherMouseDown : SystemEventType::otherMouseUp;
+        }
+    }
+
+    x11::ClickCounter clicks;
+};
 
 /// The platform on a real X server, in this process; the other programs are real ones.
 class X11World final : public RealFilesWorld {
@@ -90,7 +175,10 @@ public:
 
     OtherWindow openWindow(const std::string& title, const DisplayRect& bounds) override {
         // A second window waits, not shown yet, for `openSecondWindow`.
-        programs.push_back(desktop.start({SAMPLE_WINDOW_PROGRAM, "--windows", "2", "--title", title}));
+        const auto inputFile = desktop.directory() / ("input-" + std::to_string(programs.size()));
+        programs.push_back(
+            desktop.start({SAMPLE_WINDOW_PROGRAM, "--windows", "2", "--title", title, "--input", inputFile.string()}));
+        inputFiles[programs.back()->pid()] = inputFile;
         auto& program = *programs.back();
         std::vector<e2e::Window> windows;
         require(client.waitUntil([&] {
@@ -172,6 +260,18 @@ public:
     std::size_t keyPressesOf(const OtherWindow& window, std::uint16_t keyCode) override {
         const auto keys = client.property(window.windowID, "_SAMPLE_KEYS");
         return static_cast<std::size_t>(std::count(keys.begin(), keys.end(), e2e::evdevKeyCode(keyCode)));
+    }
+    std::vector<PointerEvent> pointerEventsOf(const OtherWindow& window) override {
+        std::vector<PointerEvent> received;
+        std::ifstream file(inputFiles.at(window.pid));
+        PointerReader reader;
+        for (std::string line; std::getline(file, line) && !file.eof();) {
+            const auto input = parseInput(line);
+            if (const auto event = input ? reader.read(*input) : std::nullopt) {
+                received.push_back(*event);
+            }
+        }
+        return received;
     }
     bool claim(const KeyPress& press) override {
         require(client.grabKey(e2e::evdevKeyCode(press.keyCode), modifierBits(press.modifiers)));
@@ -284,6 +384,8 @@ private:
     e2e::XClient client{desktop.displayName()};
     X11WindowUser user{*this, client};
     std::vector<std::unique_ptr<Program>> programs;
+    /// What the sample programs write down, by their processes.
+    std::map<pid_t, std::filesystem::path> inputFiles;
     std::uint32_t content = 100;
     std::unique_ptr<Program> tray;
     std::unique_ptr<QApplication> application;

@@ -59,8 +59,11 @@ TEST_P(AccessPrompt, AppearsOnceWithoutTakingTheFocusAndSwitchesAccessibilityOn)
     clickButton("Consenti accesso");
     EXPECT_TRUE(promptCloses());
     EXPECT_TRUE(desktop.isAccessibilityEnabled());
+    // The focus goes back to where the user was before the click.
+    EXPECT_TRUE(client.waitUntil([&] { return client.activeWindow() == active; }));
+    EXPECT_TRUE(client.holdsFor([&] { return client.activeWindow() == active; }, Milliseconds(300)));
 
-    EXPECT_EQ(quillon.stop(), 0);
+    EXPECT_EQ(quillon.stop(), 0) << quillon.program().errors();
     desktop.setAccessibilityEnabled(false);
     quillon.startForTheFirstTime();
     EXPECT_TRUE(client.holdsFor([&] { return !prompt(); }, Milliseconds(500))) << "it asks a second time";

@@ -20,6 +20,7 @@ struct AccessibleControl {
     enum class Role : unsigned {
         checkBox = 7,
         comboBox = 11,
+        frame = 23,
         label = 29,
         listItem = 32,
         button = 43,

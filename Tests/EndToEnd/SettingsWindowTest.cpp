@@ -66,15 +66,6 @@ protected:
                    ? testing::AssertionSuccess()
                    : testing::AssertionFailure() << "«" << name << "» is not shown";
     }
-    /// Whatever its role is there.
-    [[nodiscard]] testing::AssertionResult tellsWindow(const std::string& title) const {
-        const bool isTold = client.waitUntil([&] {
-            const auto shown = controls->of(quillon.pid());
-            return std::any_of(shown.begin(), shown.end(),
-                               [&](const auto& control) { return control.name == title && control.isShowing; });
-        });
-        return isTold ? testing::AssertionSuccess() : testing::AssertionFailure() << "no window «" << title << "»";
-    }
     [[nodiscard]] testing::AssertionResult disappears(Role role, const std::string& name) const {
         return client.waitUntil([&] { return !find(role, name); })
                    ? testing::AssertionSuccess()
@@ -200,7 +191,7 @@ INSTANTIATE_TEST_SUITE_P(WindowManagers, SettingsWindowWithPanels,
 TEST_P(SettingsWindowOn, ShowsItsTextsAndTellsThemToAScreenReader) {
     quillon.start();
     const auto window = open();
-    ASSERT_TRUE(tellsWindow("Quillon — Impostazioni"));
+    ASSERT_TRUE(appears(Role::frame, "Quillon — Impostazioni"));
     for (const auto* name :
          {"Finestre flottanti", "Scorciatoia da tastiera", "Autorizzazioni", "Icona della barra dei menu",
           "Barra dei menu", "Generali", "Fissa o sblocca la finestra", "⌃⌘P", "Accessibilità",
@@ -576,7 +567,7 @@ TEST_F(ShortcutRecorder, StopsWhenTheWindowIsClosed) {
 TEST_F(OwnWindows, AboutTellsTheVersionAndCloses) {
     quillon.start();
     const auto window = open("about");
-    ASSERT_TRUE(tellsWindow("Informazioni su Quillon"));
+    ASSERT_TRUE(appears(Role::frame, "Informazioni su Quillon"));
     const auto version = quillon.command({"--version"}).output;
     EXPECT_TRUE(appears(Role::label, "Versione " + version.substr(8, version.size() - 9)));
     keepPicture("about");

@@ -256,6 +256,28 @@ TEST_F(AXScrollTest, FramesThatAreNoneAreLoggedAndScrollNothing) {
     EXPECT_EQ(takeActions(), Lines{});
 }
 
+TEST_F(AXScrollTest, AreasThatLieAboutTheirSizeDoNotHideTheOthers) {
+    for (const DisplayRect& lie : {DisplayRect{{300, 300}, {0, 0}},
+                                   {{300, 300}, {-50, -50}},
+                                   {{-infinite, -infinite}, {infinite, infinite}},
+                                   {{0, 0}, {infinite, infinite}},
+                                   {{300, 300}, {nan, nan}},
+                                   {{-1e300, -1e300}, {2e300, 2e300}}}) {
+        addBar(element(), lie);
+    }
+    auto& bar = addBar(element());
+    scroll(100);
+    EXPECT_EQ(bar.number("AXValue"), 0.35);
+    EXPECT_EQ(takeActions().size(), 1U);
+}
+
+TEST_F(AXScrollTest, AnAreaThatLiesAboutItsPlaceScrollsOnlyWhereItSaysItIs) {
+    auto& bar = addBar(element(), {{5000, 5000}, {600, 500}});
+    scroll(100);
+    EXPECT_EQ(takeActions(), Lines{});
+    EXPECT_EQ(bar.number("AXValue"), 0.5);
+}
+
 // The bounds of the walk
 
 TEST_F(AXScrollTest, TwelveLevelsAreSearchedAndNoMore) {

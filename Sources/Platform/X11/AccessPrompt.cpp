@@ -23,7 +23,6 @@ AccessPrompt::AccessPrompt(AccessibilityStatus& status)
       allowButton(new PushButton(Button{"Consenti accesso", [this] { allow(); }})),
       statusChange(status.observe([this] { close(); })) {
     setWindowTitle("Quillon");
-    setWindowIcon(QIcon(":/local.quillon.floating.png"));
     setAttribute(Qt::WA_ShowWithoutActivating);
     auto* const buttons = new QHBoxLayout;
     buttons->addStretch();

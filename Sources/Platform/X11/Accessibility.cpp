@@ -20,10 +20,6 @@ namespace {
 /// not to hold up its caller for long.
 constexpr Seconds defaultTimeout{1.5};
 
-bool isApplicationWindow(const ClientWindow& window, ProcessID pid) {
-    return window.owner == pid && window.kind == ClientWindow::Kind::ordinary;
-}
-
 class WindowElement final : public AccessibilityElement {
 public:
     WindowElement(const WindowAccess& access, AccessibilityBus& bus, xcb_window_t window, Seconds timeout)
@@ -154,7 +150,7 @@ private:
         const auto found = access.with([](Connection&, const ClientWindows& windows) { return windows.list(); });
         std::vector<std::shared_ptr<AccessibilityElement>> elements;
         for (const auto& window : found) {
-            if (isApplicationWindow(window, pid)) {
+            if (window.isOrdinaryOf(pid)) {
                 elements.push_back(element(window));
             }
         }

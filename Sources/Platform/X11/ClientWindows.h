@@ -35,6 +35,9 @@ struct ClientWindow {
     bool hasPicture = true; ///< not InputOnly
     /// Neither minimised nor hidden nor on another desktop.
     bool isOnScreen = false;
+
+    /// Whether it is a window that the application's user works in.
+    [[nodiscard]] bool isOrdinaryOf(ProcessID pid) const { return owner == pid && kind == Kind::ordinary; }
 };
 
 /// Widths in pixels, at least 0.

@@ -71,14 +71,44 @@ void FocusKeeper::handle(const xcb_generic_event_t& event) {
 void FocusKeeper::restore() {
     const auto active = windows.activeWindow();
     const bool tookFocus = active == guarded->window && guarded->active && guarded->active != guarded->window;
+    const bool cameForward = guarded->over && windows.isOver(guarded->window, *guarded->over);
+    if ((tookFocus && !isOnScreen(*guarded->active)) || ((tookFocus || cameForward) && isPointerIn(guarded->window))) {
+        guarded.reset();
+        return;
+    }
     if (tookFocus) {
         activate(connection, *guarded->active);
     } else if (active) {
         guarded->active = active;
     }
-    if (guarded->over && (tookFocus || windows.isOver(guarded->window, *guarded->over))) {
+    // The list of the windows may show only later that one that took the focus has come to the front, too.
+    if (guarded->over && (tookFocus || cameForward) && isOnScreen(*guarded->over)) {
         restackBehind(connection, guarded->window, *guarded->over);
     }
+}
+
+/// Windows on other desktops are not, since window managers unmap them.
+bool FocusKeeper::isOnScreen(xcb_window_t window) const {
+    const auto found = windows.describe(window);
+    return found && found->isOnScreen;
+}
+
+/// Whether the window, or the frame that it lies in, is the foremost one under the user's pointer.
+bool FocusKeeper::isPointerIn(xcb_window_t window) const {
+    auto* const xcb = connection.xcb();
+    const auto pointerCookie = xcb_query_pointer(xcb, connection.root());
+    const Reply<xcb_query_pointer_reply_t> pointer(xcb_query_pointer_reply(xcb, pointerCookie, nullptr));
+    if (!pointer || pointer->child == XCB_WINDOW_NONE) {
+        return false;
+    }
+    while (window != pointer->child) {
+        const Reply<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(xcb, xcb_query_tree(xcb, window), nullptr));
+        if (!tree || tree->parent == connection.root()) {
+            return false;
+        }
+        window = tree->parent;
+    }
+    return true;
 }
 
 bool FocusKeeper::lend(xcb_window_t window) {

@@ -19,7 +19,8 @@ namespace quillon::x11 {
 /// all buttons are up and no menu of it is open. (Told at once, Qt would close a menu that the click has opened.)
 ///
 /// When the window becomes active or comes to the front all the same soon after posted input, the window that was
-/// active gets the focus back and the other one returns to its place. Main thread.
+/// active gets the focus back and the other one returns to its place. What the user does herself stays: she goes to the
+/// window with the pointer, or closes, minimises or leaves the window that was active. Main thread.
 class FocusKeeper final : private HeldWeakly<FocusKeeper> {
     friend HeldWeakly<FocusKeeper>;
 
@@ -51,6 +52,8 @@ private:
     void guard(xcb_window_t window);
     void handle(const xcb_generic_event_t& event);
     void restore();
+    [[nodiscard]] bool isOnScreen(xcb_window_t window) const;
+    [[nodiscard]] bool isPointerIn(xcb_window_t window) const;
     [[nodiscard]] bool lend(xcb_window_t window);
     void takeBackSoon();
     void takeBackUnlessMenuIsOpen();

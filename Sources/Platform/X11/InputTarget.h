@@ -7,7 +7,7 @@
 namespace quillon::x11 {
 
 /// How a program takes the pointer's events that are posted to it. Measured with xterm 379, Tk 8.6, GTK 3.24 and Qt
-/// 5.15, covered while another program is active.
+/// 5.15, covered while another program is active; docs/matrix.md shows what works in which program.
 enum class InputStyle {
     /// GDK (GTK, Firefox, LibreOffice): the outermost window takes every event, and looks for the part under the
     /// pointer by itself, but takes neither press nor wheel before the pointer has entered it.
@@ -20,15 +20,26 @@ enum class InputStyle {
     parts,
 };
 
-/// Which window of a program gets the pointer's events.
+/// How events reach a program that may not notice that they are not the user's.
+enum class InputRoute {
+    postedEvents,
+    /// For what listens to XInput 2 alone, whose events cannot be posted: GTK 4, and Qt where the wheel is concerned.
+    secondPointer,
+};
+
+/// Which window of a program gets the pointer's events, and how.
 struct InputTarget {
     /// The one that the window manager knows.
     xcb_window_t outermost = XCB_WINDOW_NONE;
     xcb_window_t window = XCB_WINDOW_NONE;
     InputStyle style = InputStyle::outermost;
+    InputRoute buttonRoute = InputRoute::postedEvents;
+    InputRoute wheelRoute = InputRoute::postedEvents;
 
-    /// Whether it must be told that the pointer comes and goes.
-    [[nodiscard]] bool wantsPointerInside() const { return style != InputStyle::outermostWithFocus; }
+    /// Whether it must be told by events that the pointer comes and goes.
+    [[nodiscard]] bool wantsPointerInside() const {
+        return style != InputStyle::outermostWithFocus && buttonRoute == InputRoute::postedEvents;
+    }
 };
 
 /// The target for an event at a pixel of the root window; none when the window has closed. Costs some round trips to

@@ -23,8 +23,8 @@ private:
     std::string path;
 };
 
-/// A program and its path as the one argument of an entry's Exec key, quoted as desktop entries want
-/// it, whatever the path holds.
+/// A program's path as the only argument of an entry's Exec key, quoted as the desktop's rules for entries want it,
+/// whatever the path holds.
 [[nodiscard]] std::string quotedForExec(const std::string& path);
 
 } // namespace quillon::x11

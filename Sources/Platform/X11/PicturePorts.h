@@ -13,6 +13,7 @@ namespace quillon::x11 {
 class ClientWindows;
 class Connection;
 class Keyboard;
+class X11WindowServer;
 
 // The ports that show windows and capture them. They use the connection as long as they live.
 
@@ -20,8 +21,10 @@ class Keyboard;
 /// `scheduler` runs the fade-in; `screens` tells the screen under a panel, `keyboard` what modifiers mean.
 [[nodiscard]] std::unique_ptr<Panels> makePanels(Connection& connection, Scheduler& scheduler, Screens& screens,
                                                  Keyboard& keyboard);
-/// `scheduler` paces the frames; `windows` tells what lies over a window.
+/// `scheduler` paces the frames; `windows` tells what lies over a window; `windowServer` lists the windows and is told
+/// which of them are chosen.
 [[nodiscard]] std::unique_ptr<ScreenCapture> makeScreenCapture(Connection& connection, Scheduler& scheduler,
-                                                               const ClientWindows& windows);
+                                                               const ClientWindows& windows,
+                                                               X11WindowServer& windowServer);
 
 } // namespace quillon::x11

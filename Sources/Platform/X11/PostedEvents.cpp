@@ -21,7 +21,7 @@ template <class Event>
 Event pointerEvent(const Connection& connection, std::uint8_t type, const PostedPointer& pointer) {
     Event event{};
     event.response_type = type;
-    event.time = connection.latestTime();
+    event.time = pointer.time;
     event.root = connection.root();
     event.event = pointer.window;
     event.root_x = static_cast<std::int16_t>(pointer.onRoot.x);

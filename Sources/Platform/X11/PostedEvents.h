@@ -18,6 +18,8 @@ struct PostedPointer {
     PixelPoint onRoot;
     /// Modifiers and buttons that were down before the event.
     std::uint16_t state = 0;
+    /// The server's.
+    xcb_timestamp_t time = XCB_CURRENT_TIME;
 };
 
 /// XCB_BUTTON_PRESS or XCB_BUTTON_RELEASE.

@@ -14,15 +14,20 @@ namespace {
 /// While a button is down in a window, the user's own one is looked at that often.
 constexpr Seconds buttonWatchInterval{0.1};
 
-/// Between the focus and the press. Measured with FeatherPad (Qt 5.15) and xfwm4 4.18: Qt looks at its focus when it
-/// reads the press, but takes in a focus only once it has read all events that are there, so that both must not come
-/// together.
+/// Between the program's answer that it has read the focus, and the press. Measured with FeatherPad (Qt 5.15) and xfwm4
+/// 4.18: Qt looks at its focus when it reads the press, but takes in a focus only once it has read all events that are
+/// there, so that both must not come together.
 constexpr Seconds focusPause{0.03};
+
+/// In points: as far as the pointer may move in a click (GTK's and Qt's distance from which on it is a drag is 8 to
+/// 10).
+constexpr double clickDistance = 5;
 
 } // namespace
 
 PostedInput::PostedInput(Connection& connection, Scheduler& scheduler, Keyboard& keyboard, FocusKeeper& focusKeeper)
-    : connection(connection), scheduler(scheduler), keyboard(keyboard), focusKeeper(focusKeeper) {}
+    : connection(connection), scheduler(scheduler), keyboard(keyboard), focusKeeper(focusKeeper),
+      secondPointer(connection, scheduler) {}
 
 PostedInput::~PostedInput() {
     // No time is left for pauses.
@@ -34,19 +39,42 @@ PostedInput::~PostedInput() {
 }
 
 void PostedInput::press(const PointerAction& action, xcb_button_t button) {
+    if (button == rightButton) {
+        heldBack = action;
+        return;
+    }
     inOrder([action, button](PostedInput& self) { self.postPress(action, button); });
 }
 
 void PostedInput::drag(const PointerAction& action) {
+    if (isStillClick(action)) {
+        return;
+    }
+    pressWhatWasHeldBack();
     inOrder([action](PostedInput& self) { self.postDrag(action); });
 }
 
 void PostedInput::release(const PointerAction& action, xcb_button_t button) {
+    if (button == rightButton) {
+        pressWhatWasHeldBack();
+    }
     inOrder([action, button](PostedInput& self) { self.postRelease(action, button); });
 }
 
 void PostedInput::scroll(const PointerAction& action, int vertical, int horizontal) {
     inOrder([action, vertical, horizontal](PostedInput& self) { self.postScroll(action, vertical, horizontal); });
+}
+
+bool PostedInput::isStillClick(const PointerAction& action) const {
+    const double distance = clickDistance * connection.scale();
+    return heldBack && heldBack->window == action.window && std::abs(action.at.x - heldBack->at.x) <= distance &&
+           std::abs(action.at.y - heldBack->at.y) <= distance;
+}
+
+void PostedInput::pressWhatWasHeldBack() {
+    if (const auto action = std::exchange(heldBack, std::nullopt)) {
+        inOrder([action = *action](PostedInput& self) { self.postPress(action, rightButton); });
+    }
 }
 
 void PostedInput::inOrder(Step step) {
@@ -58,6 +86,7 @@ void PostedInput::inOrder(Step step) {
 }
 
 void PostedInput::resume() {
+    ping.reset();
     isPausing = false;
     while (!isPausing && !waiting.empty()) {
         postFirst();
@@ -88,13 +117,21 @@ void PostedInput::postPress(const PointerAction& action, xcb_button_t button) {
     if (focusKeeper.willPost(*target, true)) {
         waiting.emplace_front([action, button](PostedInput& self) { self.postPress(action, button); });
         isPausing = true;
-        scheduler.mainAfter(focusPause, weakly([](PostedInput& self) { self.resume(); }));
+        ping = std::make_unique<WindowPing>(connection, scheduler, target->outermost, [this] {
+            scheduler.mainAfter(focusPause, weakly([](PostedInput& self) { self.resume(); }));
+        });
         return;
     }
-    if (isFirst) {
-        enter(*target, *pointer);
+    if (target->buttonRoute == InputRoute::secondPointer) {
+        if (!secondPointer.press(*pointer, button)) {
+            return;
+        }
+    } else {
+        if (isFirst) {
+            enter(*target, *pointer);
+        }
+        postButton(connection, XCB_BUTTON_PRESS, button, *pointer);
     }
-    postButton(connection, XCB_BUTTON_PRESS, button, *pointer);
     if (isFirst) {
         held.emplace(action.window, Held{*target, {}, allowsDrags, action});
     }
@@ -116,7 +153,11 @@ void PostedInput::postDrag(const PointerAction& action) {
     }
     if (const auto pointer = pointerIn(window.target.window, action)) {
         std::ignore = focusKeeper.willPost(window.target, false);
-        postMotion(connection, *pointer);
+        if (window.target.buttonRoute == InputRoute::secondPointer) {
+            secondPointer.move(*pointer);
+        } else {
+            postMotion(connection, *pointer);
+        }
     }
 }
 
@@ -133,6 +174,13 @@ void PostedInput::postRelease(const PointerAction& action, xcb_button_t button) 
     const auto pointer = pointerIn(target.window, action);
     if (pointer) {
         std::ignore = focusKeeper.willPost(target, false);
+    }
+    if (target.buttonRoute == InputRoute::secondPointer) {
+        if (pointer) {
+            secondPointer.move(*pointer);
+        }
+        secondPointer.release(button);
+    } else if (pointer) {
         postButton(connection, XCB_BUTTON_RELEASE, button, *pointer);
     }
     buttons.erase(down);
@@ -160,8 +208,8 @@ void PostedInput::postScroll(const PointerAction& action, int vertical, int hori
     if (isOutside) {
         enter(*target, *pointer);
     }
-    postSteps(*pointer, vertical, wheelUp, wheelDown);
-    postSteps(*pointer, horizontal, wheelLeft, wheelRight);
+    turnWheel(target->wheelRoute, *pointer, vertical > 0 ? wheelUp : wheelDown, std::abs(vertical));
+    turnWheel(target->wheelRoute, *pointer, horizontal > 0 ? wheelLeft : wheelRight, std::abs(horizontal));
     if (isOutside) {
         leave(*target, *pointer);
     }
@@ -179,11 +227,14 @@ void PostedInput::leave(const InputTarget& target, const PostedPointer& pointer)
     }
 }
 
-void PostedInput::postSteps(PostedPointer pointer, int count, xcb_button_t forwards, xcb_button_t backwards) {
-    const auto button = count > 0 ? forwards : backwards;
+void PostedInput::turnWheel(InputRoute route, const PostedPointer& pointer, xcb_button_t button, int count) {
+    if (route == InputRoute::secondPointer) {
+        secondPointer.turnWheel(pointer, button, count);
+        return;
+    }
     auto pressed = pointer;
     pressed.state |= stateBit(button);
-    for (int left = std::abs(count); left > 0; --left) {
+    for (int left = count; left > 0; --left) {
         postButton(connection, XCB_BUTTON_PRESS, button, pointer);
         postButton(connection, XCB_BUTTON_RELEASE, button, pressed);
     }
@@ -206,7 +257,7 @@ std::optional<PostedPointer> PostedInput::pointerIn(xcb_window_t window, const P
         return std::nullopt;
     }
     const auto state = static_cast<std::uint16_t>(keyboard.state(action.modifiers) | buttonBits(action.window));
-    return PostedPointer{window, {reply->dst_x, reply->dst_y}, action.at, state};
+    return PostedPointer{window, {reply->dst_x, reply->dst_y}, action.at, state, action.time};
 }
 
 std::uint16_t PostedInput::buttonBits(xcb_window_t outermost) const {
@@ -244,6 +295,7 @@ void PostedInput::releaseWhatIsUp(std::uint16_t buttonsDown) {
         for (const auto button : window.buttons) {
             if ((stateBit(button) & buttonsDown) == 0) {
                 releases.emplace_back(window.last, button);
+                releases.back().first.time = connection.latestTime();
             }
         }
     }

@@ -7,11 +7,15 @@
 #include "Platform/X11/InputTarget.h"
 #include "Platform/X11/Keyboard.h"
 #include "Platform/X11/PostedEvents.h"
+#include "Platform/X11/SecondPointer.h"
+#include "Platform/X11/WindowPing.h"
 
 #include <cstdint>
 #include <deque>
 #include <functional>
 #include <map>
+#include <memory>
+#include <optional>
 #include <vector>
 
 namespace quillon::x11 {
@@ -23,6 +27,8 @@ struct PointerAction {
     /// On the root window.
     PixelPoint at;
     EventFlags modifiers = 0;
+    /// The server's time. Programs tell a double-click by it, so it is not that of the posting.
+    xcb_timestamp_t time = XCB_CURRENT_TIME;
 };
 
 /// Posts the user's clicks, drags and steps of the wheel to windows, whatever covers them, in the order of the calls.
@@ -32,8 +38,10 @@ struct PointerAction {
 /// Every press is followed by its release: when the release does not come here (the panel went away in the middle of
 /// a drag), it is made up as soon as the user's own button is up, or when this object ends.
 ///
-/// GTK 4 programs do not react to any of this, nor Qt 5.15 and 6.4 to the wheel: they listen to XInput 2, whose events
-/// cannot be posted. Main thread.
+/// What a program ignores when it is posted goes through a second pointer.
+///
+/// The press of the right button is held back until the user lets go or drags: a menu that opens with it grabs the
+/// pointer, which the user's own button holds for the panel as long as it is down. Main thread.
 class PostedInput final : private HeldWeakly<PostedInput> {
     friend HeldWeakly<PostedInput>;
 
@@ -62,6 +70,8 @@ private:
     [[nodiscard]] std::optional<PostedPointer> pointerIn(xcb_window_t window, const PointerAction& action);
     [[nodiscard]] std::optional<InputTarget> targetOf(const PointerAction& action) const;
     [[nodiscard]] std::uint16_t buttonBits(xcb_window_t outermost) const;
+    [[nodiscard]] bool isStillClick(const PointerAction& action) const;
+    void pressWhatWasHeldBack();
     using Step = std::function<void(PostedInput&)>;
     /// Now, or after what waits.
     void inOrder(Step step);
@@ -73,7 +83,7 @@ private:
     void postScroll(const PointerAction& action, int vertical, int horizontal);
     void enter(const InputTarget& target, const PostedPointer& pointer);
     void leave(const InputTarget& target, const PostedPointer& pointer);
-    void postSteps(PostedPointer pointer, int count, xcb_button_t forwards, xcb_button_t backwards);
+    void turnWheel(InputRoute route, const PostedPointer& pointer, xcb_button_t button, int count);
     void watchButtons();
     void releaseWhatIsUp(std::uint16_t buttonsDown);
 
@@ -83,9 +93,14 @@ private:
     FocusKeeper& focusKeeper;
     /// By the window that the window manager knows.
     std::map<xcb_window_t, Held> held;
+    SecondPointer secondPointer;
+    /// The press of the right button.
+    std::optional<PointerAction> heldBack;
     /// What came during the pause before a press.
     std::deque<Step> waiting;
     bool isPausing = false;
+    /// Of the program that a press waits for.
+    std::unique_ptr<WindowPing> ping;
     RegistrationToken buttonWatch;
     RegistrationToken buttonReply;
 };

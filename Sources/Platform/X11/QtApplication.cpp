@@ -4,8 +4,14 @@
 #include "Platform/X11/StandardError.h"
 
 #include <QApplication>
+#include <QIcon>
 
 #include <unistd.h>
+
+/// The linker leaves out of a library what nothing refers to. Qt wants the call outside any namespace.
+static void initialisePictures() {
+    Q_INIT_RESOURCE(pictures);
+}
 
 namespace quillon::x11 {
 
@@ -60,6 +66,8 @@ std::unique_ptr<QApplication> makeApplication(double scale) {
     qunsetenv("SESSION_MANAGER");
     auto application = std::make_unique<QApplication>(commandLine().count, commandLine().arguments);
     QApplication::setQuitOnLastWindowClosed(false);
+    initialisePictures();
+    QApplication::setWindowIcon(QIcon(":/local.quillon.floating.png"));
     return application;
 }
 

@@ -12,6 +12,7 @@
 #include <map>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 #include <pthread.h>
 #include <sys/timerfd.h>
@@ -174,6 +175,13 @@ public:
         return true;
     }
 
+    void clear() {
+        // What the tasks hold may submit others as it goes.
+        std::deque<Task> dropped;
+        const std::lock_guard lock(mutex);
+        dropped.swap(tasks);
+    }
+
 private:
     std::thread::id mainThread;
     QAbstractEventDispatcher* dispatcher;
@@ -202,6 +210,11 @@ public:
         if (entry == tasks.begin()) {
             arm();
         }
+    }
+
+    void clear() {
+        std::exchange(tasks, {});
+        arm();
     }
 
 private:
@@ -279,6 +292,11 @@ bool X11Scheduler::runMainTasks() {
 
 bool X11Scheduler::hasMainTasks() const {
     return mainTasks->count() > 0;
+}
+
+void X11Scheduler::dropTasks() {
+    mainTasks->clear();
+    delayedTasks->clear();
 }
 
 } // namespace quillon::x11

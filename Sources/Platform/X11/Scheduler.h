@@ -30,6 +30,8 @@ public:
     bool runMainTasks();
     /// Called by the event loop.
     [[nodiscard]] bool hasMainTasks() const;
+    /// Lets go of what has not run yet, and of all that it holds. For the end of the run, on the main thread.
+    void dropTasks();
 
 private:
     class MainTasks;

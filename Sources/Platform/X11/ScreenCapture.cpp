@@ -1,8 +1,8 @@
 #include "Platform/X11/ScreenCapture.h"
 
-#include "Platform/Platform.h"
 #include "Platform/X11/CaptureErrors.h"
 #include "Platform/X11/PicturePorts.h"
+#include "Platform/X11/WindowServer.h"
 #include "Platform/X11/WindowStream.h"
 
 #include <xcb/composite.h>
@@ -16,8 +16,9 @@ namespace {
 
 class X11CaptureWindow final : public CaptureWindow {
 public:
-    X11CaptureWindow(std::shared_ptr<SourceWindows> sources, WindowID number, std::optional<std::string> name)
-        : sources(std::move(sources)), number(number), name(std::move(name)) {}
+    X11CaptureWindow(std::shared_ptr<SourceWindows> sources, X11WindowServer& windowServer, WindowID number,
+                     std::optional<std::string> name)
+        : sources(std::move(sources)), windowServer(windowServer), number(number), name(std::move(name)) {}
 
     WindowID windowID() const override { return number; }
     std::optional<std::string> title() const override { return name; }
@@ -26,15 +27,18 @@ public:
     const std::shared_ptr<SourceWindow>& source() {
         if (!held || held->state() == SourceWindow::State::gone) {
             held = sources->hold(number);
+            copy = windowServer.addCopy(number);
         }
         return held;
     }
 
 private:
     std::shared_ptr<SourceWindows> sources;
+    X11WindowServer& windowServer;
     WindowID number;
     std::optional<std::string> name;
     std::shared_ptr<SourceWindow> held;
+    RegistrationToken copy;
 };
 
 class WindowFilter final : public ContentFilter {
@@ -80,8 +84,9 @@ std::variant<std::shared_ptr<Surface>, CaptureError> takePicture(const SourceWin
 
 } // namespace
 
-X11ScreenCapture::X11ScreenCapture(Connection& connection, Scheduler& scheduler, const ClientWindows& windows)
-    : connection(connection), scheduler(scheduler), serverPause(connection),
+X11ScreenCapture::X11ScreenCapture(Connection& connection, Scheduler& scheduler, const ClientWindows& windows,
+                                   X11WindowServer& windowServer)
+    : connection(connection), scheduler(scheduler), windowServer(windowServer), serverPause(connection),
       sources(std::make_shared<SourceWindows>(connection, windows)) {}
 
 void X11ScreenCapture::getShareableContent(bool excludingDesktopWindows, bool onScreenWindowsOnly,
@@ -89,7 +94,7 @@ void X11ScreenCapture::getShareableContent(bool excludingDesktopWindows, bool on
     const WindowListOption options = (excludingDesktopWindows ? windowListExcludeDesktopElements : 0) |
                                      (onScreenWindowsOnly ? windowListOnScreenOnly : 0);
     scheduler.mainAsync([this, options, completion = std::move(completion)] {
-        const auto windows = platform().windowServer().copyWindowInfo(options, nullWindowID);
+        const auto windows = windowServer.copyWindowInfo(options, nullWindowID);
         if (!windows) {
             completion(noWindowList());
             return;
@@ -99,7 +104,8 @@ void X11ScreenCapture::getShareableContent(bool excludingDesktopWindows, bool on
             ShareableContent content;
             for (const auto& window : *windows) {
                 if (window.number) {
-                    auto record = std::make_shared<X11CaptureWindow>(sources, *window.number, window.name);
+                    auto record =
+                        std::make_shared<X11CaptureWindow>(sources, windowServer, *window.number, window.name);
                     records.push_back(record);
                     content.windows.push_back(std::move(record));
                 }
@@ -144,8 +150,8 @@ bool X11ScreenCapture::preflightAccess() const {
 }
 
 std::unique_ptr<ScreenCapture> makeScreenCapture(Connection& connection, Scheduler& scheduler,
-                                                 const ClientWindows& windows) {
-    return std::make_unique<X11ScreenCapture>(connection, scheduler, windows);
+                                                 const ClientWindows& windows, X11WindowServer& windowServer) {
+    return std::make_unique<X11ScreenCapture>(connection, scheduler, windows, windowServer);
 }
 
 } // namespace quillon::x11

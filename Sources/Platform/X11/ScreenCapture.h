@@ -8,6 +8,8 @@
 
 namespace quillon::x11 {
 
+class X11WindowServer;
+
 /// Pictures of single windows through Composite and Damage, which never leave the server. Everything runs on the
 /// main thread, the samples' queue included.
 ///
@@ -17,7 +19,8 @@ namespace quillon::x11 {
 /// handed out has been chosen, and holds its window from then on.
 class X11ScreenCapture final : public ScreenCapture {
 public:
-    X11ScreenCapture(Connection& connection, Scheduler& scheduler, const ClientWindows& windows);
+    X11ScreenCapture(Connection& connection, Scheduler& scheduler, const ClientWindows& windows,
+                     X11WindowServer& windowServer);
 
     void getShareableContent(bool excludingDesktopWindows, bool onScreenWindowsOnly,
                              ContentCompletion completion) override;
@@ -35,6 +38,7 @@ public:
 private:
     Connection& connection;
     Scheduler& scheduler;
+    X11WindowServer& windowServer;
     ServerPause serverPause;
     /// Shared with the records, which outlive their list.
     std::shared_ptr<SourceWindows> sources;

@@ -2,6 +2,7 @@
 
 #include <xcb/xcb.h>
 
+#include <cstdint>
 #include <unordered_map>
 
 namespace quillon::x11 {
@@ -20,8 +21,14 @@ public:
     /// That of a touchpad's steps in the libinput driver of the X server (ScrollPixelDistance).
     static constexpr double pointsPerStep = 15;
 
+    /// For one event. A hand makes a few in one, and a fast swipe some ten; this many lead past some 15 pages. What a
+    /// broken device or program asks for beyond is left out, or it would hold up the program that has to take it.
+    static constexpr int mostSteps = 100;
+
     /// In points.
     [[nodiscard]] Steps steps(xcb_window_t window, double vertical, double horizontal);
+    /// Lines are steps.
+    [[nodiscard]] static Steps ofLines(std::int32_t vertical, std::int32_t horizontal);
 
 private:
     struct Rest {

@@ -24,7 +24,7 @@ public:
 
     void postToPid(ProcessID /*pid*/) override {
         const auto window = integer(SystemEventField::mouseEventWindowUnderMousePointer);
-        post({static_cast<xcb_window_t>(window), connection.toPixel(location), flags});
+        post({static_cast<xcb_window_t>(window), connection.toPixel(location), flags, connection.latestTime()});
     }
 
 protected:
@@ -93,7 +93,7 @@ public:
 
 private:
     void post(const PointerAction& action) override {
-        ScrollSteps::Steps steps{wheel1, wheel2};
+        auto steps = ScrollSteps::ofLines(wheel1, wheel2);
         if (integer(SystemEventField::scrollWheelEventIsContinuous) != 0) {
             // The wheels hold the same, rounded.
             steps = scrollSteps.steps(action.window, real(SystemEventField::scrollWheelEventPointDeltaAxis1),

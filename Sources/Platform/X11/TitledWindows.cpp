@@ -12,9 +12,9 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
-#include <QIcon>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QMainWindow>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
@@ -24,11 +24,6 @@
 #include <algorithm>
 #include <cmath>
 #include <utility>
-
-/// The linker leaves out of a library what nothing refers to. Qt wants the call outside any namespace.
-static void initialisePictures() {
-    Q_INIT_RESOURCE(pictures);
-}
 
 namespace quillon::x11 {
 
@@ -98,10 +93,12 @@ void addKeyEquivalents(QWidget& widget, const Menu& menu) {
 
 } // namespace
 
-class X11TitledWindow::Widget final : public QWidget {
+/// A main window, which Qt tells screen readers of as a window.
+class X11TitledWindow::Widget final : public QMainWindow {
 public:
-    explicit Widget(X11TitledWindow& owner) : QWidget(nullptr, titledWindowFlags), owner(owner) {
-        auto* layout = new QVBoxLayout(this);
+    explicit Widget(X11TitledWindow& owner) : QMainWindow(nullptr, titledWindowFlags), owner(owner) {
+        setCentralWidget(new QWidget);
+        auto* layout = new QVBoxLayout(centralWidget());
         layout->setContentsMargins(0, 0, 0, 0);
     }
 
@@ -114,7 +111,7 @@ private:
     }
     /// Labels with a size of their own do not take that of their window, and are not told.
     void changeEvent(QEvent* event) override {
-        QWidget::changeEvent(event);
+        QMainWindow::changeEvent(event);
         if (event->type() == QEvent::FontChange) {
             for (auto* label : findChildren<QLabel*>()) {
                 QCoreApplication::sendEvent(label, event);
@@ -126,7 +123,7 @@ private:
         if (event->keyCombination() == QKeyCombination(Qt::Key_Escape)) {
             pressCancelButton();
         } else {
-            QWidget::keyPressEvent(event);
+            QMainWindow::keyPressEvent(event);
         }
     }
     void pressCancelButton() const {
@@ -139,7 +136,7 @@ private:
         }
     }
     void moveEvent(QMoveEvent* event) override {
-        QWidget::moveEvent(event);
+        QMainWindow::moveEvent(event);
         owner.followScreen();
     }
 
@@ -148,9 +145,7 @@ private:
 
 X11TitledWindow::X11TitledWindow(X11TitledWindows& owner, const std::string& title, WindowContent content)
     : owner(owner), widget(std::make_unique<Widget>(*this)) {
-    initialisePictures();
     widget->setWindowTitle(QString::fromStdString(title));
-    widget->setWindowIcon(QIcon(":/local.quillon.floating.png"));
     setContent(std::move(content));
     setContentSize(fittingSize());
     owner.windows.push_back(this);
@@ -179,7 +174,7 @@ void X11TitledWindow::setContent(WindowContent content) {
 }
 
 void X11TitledWindow::replaceView(QWidget* newView) {
-    widget->layout()->addWidget(newView);
+    widget->centralWidget()->layout()->addWidget(newView);
     newView->show();
     if (view != nullptr) {
         // One of its buttons may be telling of a click just now.

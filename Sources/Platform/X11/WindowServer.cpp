@@ -1,6 +1,9 @@
 #include "Platform/X11/WindowServer.h"
 
+#include "Platform/X11/EndToken.h"
 #include "Platform/X11/WindowAccess.h"
+
+#include <algorithm>
 
 namespace quillon::x11 {
 
@@ -25,21 +28,39 @@ WindowDescription describe(const ClientWindow& window, const DisplayRect& bounds
             WindowBoundsEntry{bounds.origin.x, bounds.origin.y, bounds.size.width, bounds.size.height}};
 }
 
+} // namespace
+
+RegistrationToken X11WindowServer::addCopy(WindowID window) {
+    const std::lock_guard lock(copies->mutex);
+    const auto entry = copies->windows.insert(window);
+    return makeEndToken([shared = copies, entry] {
+        const std::lock_guard endLock(shared->mutex);
+        shared->windows.erase(entry);
+    });
+}
+
+bool X11WindowServer::hasCopy(WindowID window) const {
+    const std::lock_guard lock(copies->mutex);
+    return copies->windows.contains(window);
+}
+
 /// The windows that the options ask for.
-std::vector<ClientWindow> select(const ClientWindows& windows, WindowListOption options, WindowID relativeTo) {
+std::vector<ClientWindow> X11WindowServer::select(const ClientWindows& windows, WindowListOption options,
+                                                  WindowID relativeTo) const {
     if ((options & windowListIncludingWindow) != 0) {
         auto window = windows.describe(relativeTo);
         return window ? std::vector{std::move(*window)} : std::vector<ClientWindow>();
     }
     auto all = windows.list();
-    std::erase_if(all, [&](const ClientWindow& window) {
-        return ((options & windowListOnScreenOnly) != 0 && !window.isOnScreen) ||
-               ((options & windowListExcludeDesktopElements) != 0 && window.kind == ClientWindow::Kind::desktop);
-    });
+    if ((options & windowListExcludeDesktopElements) != 0) {
+        std::erase_if(all, [](const auto& window) { return window.kind == ClientWindow::Kind::desktop; });
+    }
+    if ((options & windowListOnScreenOnly) != 0) {
+        std::erase_if(all, [this](const auto& window) { return !window.isOnScreen && !hasCopy(window.window); });
+        std::stable_partition(all.begin(), all.end(), [](const auto& window) { return window.isOnScreen; });
+    }
     return all;
 }
-
-} // namespace
 
 std::optional<std::vector<WindowDescription>> X11WindowServer::copyWindowInfo(WindowListOption options,
                                                                               WindowID relativeTo) const {

@@ -50,9 +50,7 @@ std::optional<RunningApplication> X11Workspace::runningApplication(ProcessID pid
 }
 
 void X11Workspace::activateApplication(ProcessID pid) {
-    const auto isOrdinary = [pid](const ClientWindow& window) {
-        return window.owner == pid && window.kind == ClientWindow::Kind::ordinary;
-    };
+    const auto isOrdinary = [pid](const ClientWindow& window) { return window.isOrdinaryOf(pid); };
     // Front to back, minimised ones too.
     const auto all = windows.list();
     const auto raised = connection.takeRaisedWindow();
@@ -65,6 +63,8 @@ void X11Workspace::activateApplication(ProcessID pid) {
         focusKeeper.userSwitches();
         activate(connection, front->window);
         connection.flush();
+        // Changes are looked at by the burst. When the user goes back at once, that is to be announced all the same.
+        lastFrontmost.reset();
     }
 }
 

@@ -17,13 +17,16 @@ X11Platform::X11Platform(std::unique_ptr<Connection> openConnection, RemoteContr
       titledWindowsPort(std::make_unique<X11TitledWindows>(*connection, screensPort, clientWindows, desktopAppearance,
                                                            applicationPort)),
       viewsPort(makeViews(*connection)), panelsPort(makePanels(*connection, schedulerPort, screensPort, keyboard)),
-      screenCapturePort(makeScreenCapture(*connection, schedulerPort, clientWindows)),
+      screenCapturePort(makeScreenCapture(*connection, schedulerPort, clientWindows, windowServerPort)),
       eventTapsPort(makeEventTaps(*connection, schedulerPort, keyboard)), keyMonitorsPort(makeKeyMonitors(keyboard)),
       statusBarPort(makeStatusBar(*connection, schedulerPort, desktopAppearance)),
       syntheticEventsPort(*connection, schedulerPort, keyboard, focusKeeper) {
     userDefaultsPort.watchFile();
 }
 
-X11Platform::~X11Platform() = default;
+X11Platform::~X11Platform() {
+    // Tasks may hold what was made by ports, such as the delegate with its status item, and must not outlive them.
+    schedulerPort.dropTasks();
+}
 
 } // namespace quillon::x11

@@ -3,6 +3,7 @@
 // program that gets the input runs and while it is stopped. Argument: number of presses (default 200).
 
 #include "Latencies.h"
+#include "Require.h"
 #include "TurnProbe.h"
 
 #include "Desktop.h"
@@ -20,7 +21,6 @@
 #include <filesystem>
 #include <functional>
 #include <poll.h>
-#include <stdexcept>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -37,12 +37,6 @@ using SteadyClock = std::chrono::steady_clock;
 constexpr std::uint8_t leftButton = 1;
 constexpr std::uint8_t wheelUp = 4;
 constexpr std::uint8_t wheelDown = 5;
-
-void require(bool done, const char* problem) {
-    if (!done) {
-        throw std::runtime_error(problem);
-    }
-}
 
 void pass(int milliseconds) {
     poll(nullptr, 0, milliseconds);
@@ -339,17 +333,14 @@ private:
 
 void print(const char* what, const Latencies& latencies) {
     std::printf("%-58s", what);
-    for (const double fraction : {0.0, 0.25, 0.5, 0.75, 0.9, 0.95, 0.99, 1.0}) {
-        std::printf(" %7.2f", percentile(latencies, fraction));
-    }
-    std::printf("\n");
+    printDistribution(latencies);
 }
 
 void printReactions(const std::string& name, const Reactions& reactions) {
     print((name + ", on the window").c_str(), reactions.onWindow);
     print((name + ", on the copy").c_str(), reactions.onCopy);
     std::printf("%-58s", (name + ", copy / window").c_str());
-    for (const double fraction : {0.0, 0.25, 0.5, 0.75, 0.9, 0.95, 0.99, 1.0}) {
+    for (const double fraction : shownFractions) {
         std::printf(" %7.2f", percentile(reactions.onCopy, fraction) / percentile(reactions.onWindow, fraction));
     }
     std::printf("\n");

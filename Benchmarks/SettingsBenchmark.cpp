@@ -5,6 +5,7 @@
 
 #include "Latencies.h"
 #include "ProcessCost.h"
+#include "Require.h"
 
 #include "Desktop.h"
 #include "QuillonProgram.h"
@@ -17,7 +18,6 @@
 #include <cstdlib>
 #include <optional>
 #include <poll.h>
-#include <stdexcept>
 
 namespace quillon::benchmarks {
 
@@ -32,12 +32,6 @@ using SteadyClock = std::chrono::steady_clock;
 constexpr std::chrono::seconds stepBound{10};
 /// How long the screen has to stay the same to count as complete.
 constexpr e2e::Milliseconds restTime{500};
-
-void require(bool done, const char* problem) {
-    if (!done) {
-        throw std::runtime_error(problem);
-    }
-}
 
 /// A picture on the screen and where it lies.
 struct Seen {

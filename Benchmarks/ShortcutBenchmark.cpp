@@ -3,6 +3,7 @@
 // is pinned: the time of the window manager counts too. Argument: number of presses (default 200).
 
 #include "Latencies.h"
+#include "Require.h"
 
 #include "Desktop.h"
 #include "EvdevKeys.h"
@@ -15,7 +16,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <poll.h>
-#include <stdexcept>
 
 namespace quillon::benchmarks {
 
@@ -27,12 +27,6 @@ using SteadyClock = std::chrono::steady_clock;
 
 /// Far above what any step takes.
 constexpr std::chrono::seconds stepBound{5};
-
-void require(bool done, const char* problem) {
-    if (!done) {
-        throw std::runtime_error(problem);
-    }
-}
 
 double milliseconds(SteadyClock::duration duration) {
     return std::chrono::duration<double, std::milli>(duration).count();
@@ -163,10 +157,7 @@ private:
 
 void print(const char* desktop, const char* what, const Latencies& latencies) {
     std::printf("%-22s %-34s", desktop, what);
-    for (const double fraction : {0.0, 0.25, 0.5, 0.75, 0.9, 0.95, 0.99, 1.0}) {
-        std::printf(" %7.2f", percentile(latencies, fraction));
-    }
-    std::printf("\n");
+    printDistribution(latencies);
 }
 
 } // namespace

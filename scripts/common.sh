@@ -7,8 +7,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit
 declare -A packages=(
     [build]="g++ cmake ninja-build pkg-config qt6-base-dev libfmt-dev libutf8proc-dev nlohmann-json3-dev
         libxcb1-dev libxcb-composite0-dev libxcb-damage0-dev libxcb-xfixes0-dev libxcb-render0-dev
-        libxcb-render-util0-dev libxcb-randr0-dev libxcb-shape0-dev libxcb-res0-dev libxcb-sync-dev libxcb-xinput-dev libxcb-xkb-dev libxcb-xtest0-dev
-        libgtest-dev"
+        libxcb-render-util0-dev libxcb-randr0-dev libxcb-shape0-dev libxcb-res0-dev libxcb-sync-dev libxcb-xinput-dev
+        libxcb-xkb-dev libxcb-xtest0-dev libgtest-dev"
     [test]="clang xvfb openbox xfwm4 dbus-daemon xterm gtk-3-examples featherpad tk x11-xkb-utils x11-xserver-utils
         trayer at-spi2-core gtk-4-examples python3-gi gir1.2-gtk-3.0 gir1.2-gtk-4.0 python3-pyqt5 python3-pyqt6"
     [matrix]="chromium libreoffice-writer libreoffice-gtk3"

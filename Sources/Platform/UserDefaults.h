@@ -19,8 +19,8 @@ using PropertyValue = std::variant<bool, std::int64_t, double, std::string, Prop
 
 /// The user's persistent settings (the standard NSUserDefaults). There are no registered defaults. Any
 /// thread; a value written on one thread is seen by every later read on any thread. A change made by hand
-/// from outside is seen by later reads, at the latest when the event loop has run once. Values that
-/// cannot be stored or read count as absent; the platform reports why, nothing else is lost by it.
+/// from outside is seen by reads soon afterwards. Values that cannot be stored or read count as absent; the
+/// platform reports why, nothing else is lost by it.
 class UserDefaults {
 public:
     virtual ~UserDefaults() = default;

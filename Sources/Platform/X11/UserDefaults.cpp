@@ -7,10 +7,13 @@
 #include "Text.h"
 
 #include <QByteArray>
+#include <QTimer>
 
 #include <fmt/format.h>
 
+#include <chrono>
 #include <cmath>
+#include <variant>
 
 namespace quillon::x11 {
 
@@ -147,6 +150,16 @@ void X11UserDefaults::change(std::string_view key, const std::optional<PropertyV
     announce(std::move(changed));
 }
 
+/// Some programs empty a file before they fill it again: what cannot be read gets a second look.
+void X11UserDefaults::fileChanged() {
+    constexpr std::chrono::milliseconds timeToWrite{50};
+    if (std::holds_alternative<std::string>(file->read())) {
+        QTimer::singleShot(timeToWrite, &mainThread, [this] { reload(); });
+    } else {
+        reload();
+    }
+}
+
 void X11UserDefaults::reload() {
     std::unique_lock lock(mutex);
     auto changed = load();
@@ -228,7 +241,7 @@ void X11UserDefaults::watchFile() {
     if (!file) {
         return;
     }
-    watch = std::make_unique<FileWatch>(file->filePath(), [this] { reload(); });
+    watch = std::make_unique<FileWatch>(file->filePath(), [this] { fileChanged(); });
     reload();
 }
 

@@ -46,6 +46,7 @@ private:
     Keys publish();
 
     void change(std::string_view key, const std::optional<PropertyValue>& value);
+    void fileChanged();
     void reload();
     void announce(Keys changed);
     void report(const std::string& problem);

@@ -177,6 +177,7 @@ public:
 /// A page with the same parts, whose title is what has happened.
 class Chromium final : public ProgramWithEvents {
 public:
+    [[nodiscard]] bool isLarge() const override { return true; }
     [[nodiscard]] std::string name() const override { return "Chromium"; }
     [[nodiscard]] Command command(const Desktop& desktop) override {
         if (!isInstalled(path)) {
@@ -295,6 +296,7 @@ private:
 /// A page wider and higher than the window, full of large words.
 class Writer final : public MatrixProgram {
 public:
+    [[nodiscard]] bool isLarge() const override { return true; }
     [[nodiscard]] std::string name() const override { return "LibreOffice Writer"; }
     [[nodiscard]] Command command(const Desktop& desktop) override {
         if (!isInstalled(path) || !std::filesystem::exists("/usr/lib/libreoffice/program/libvclplug_gtk3lo.so")) {

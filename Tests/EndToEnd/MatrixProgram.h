@@ -28,6 +28,8 @@ public:
     virtual ~MatrixProgram() = default;
 
     [[nodiscard]] virtual std::string name() const = 0;
+    /// It takes so long to install and to start that only `scripts/matrix` tries it.
+    [[nodiscard]] virtual bool isLarge() const { return false; }
     /// What it is started with; empty when it is not installed.
     [[nodiscard]] virtual Command command(const Desktop& desktop) = 0;
     /// Whether it can be used, once its window lies in its place.

@@ -104,6 +104,22 @@ protected:
     }
 };
 
+/// With a program that has a scroll bar.
+class ScrollAreaContract : public AccessibilityContract {
+protected:
+    void SetUp() override {
+        window = world->openScrollingWindow();
+        if (!window) {
+            GTEST_SKIP() << "there is no program with a scroll bar here";
+        }
+        area = awaitScrollArea(window->pid);
+        ASSERT_NE(area, nullptr);
+    }
+
+    std::optional<OtherWindow> window;
+    Element area;
+};
+
 TEST_F(AccessibilityContract, TheFocusedWindowTellsItsTitleAndFrame) {
     const auto window = world->openWindow("Primo titolo", here);
     world->activate(window);
@@ -204,13 +220,7 @@ TEST_F(AccessibilityContract, TwoThreadsReadAtOnce) {
     }));
 }
 
-TEST_F(AccessibilityContract, AScrollBarGoesFromNoughtToOneAndCanBeSet) {
-    const auto window = world->openScrollingWindow();
-    if (!window) {
-        GTEST_SKIP() << "there is no program with a scroll bar here";
-    }
-    const auto area = awaitScrollArea(window->pid);
-    ASSERT_NE(area, nullptr);
+TEST_F(ScrollAreaContract, AScrollBarGoesFromNoughtToOneAndCanBeSet) {
     elsewhere([&] {
         const auto frame = frameOf(area).value();
         const auto outer = frameOf(windowsOf(window->pid).front()).value();
@@ -235,13 +245,7 @@ TEST_F(AccessibilityContract, AScrollBarGoesFromNoughtToOneAndCanBeSet) {
     });
 }
 
-TEST_F(AccessibilityContract, WhatCannotBeSetSaysSo) {
-    const auto window = world->openScrollingWindow();
-    if (!window) {
-        GTEST_SKIP() << "there is no program with a scroll bar here";
-    }
-    const auto area = awaitScrollArea(window->pid);
-    ASSERT_NE(area, nullptr);
+TEST_F(ScrollAreaContract, WhatCannotBeSetSaysSo) {
     elsewhere([&] {
         EXPECT_FALSE(area->isAttributeSettable("AXRole").isSettable);
         EXPECT_NE(area->setAttributeValue("AXRole", std::string("AXButton")), AccessibilityError::success);
@@ -251,13 +255,7 @@ TEST_F(AccessibilityContract, WhatCannotBeSetSaysSo) {
     });
 }
 
-TEST_F(AccessibilityContract, ElementsOfAProgramThatHasEndedAreGone) {
-    const auto window = world->openScrollingWindow();
-    if (!window) {
-        GTEST_SKIP() << "there is no program with a scroll bar here";
-    }
-    const auto area = awaitScrollArea(window->pid);
-    ASSERT_NE(area, nullptr);
+TEST_F(ScrollAreaContract, ElementsOfAProgramThatHasEndedAreGone) {
     Element bar;
     elsewhere([&] { bar = barOf(area); });
     ASSERT_NE(bar, nullptr);

@@ -62,6 +62,7 @@ public:
                     return std::optional(AccessibilityError::invalidUIElement);
                 }
                 raise(connection, window);
+                access.setRaisedWindow(window);
                 connection.flush();
                 return std::optional(AccessibilityError::success);
             })

@@ -147,14 +147,16 @@ std::optional<PixelRect> extentsIn(const QDBusMessage& answer) {
     return rect;
 }
 
-std::vector<AccessibleReference> referencesIn(const QDBusMessage& answer, std::size_t most) {
-    std::vector<AccessibleReference> result;
-    if (resultOf(answer, "a(so)") != AccessibilityError::success) {
-        return result;
+AccessibleChildren childrenOf(AccessibilityBus& bus, const AccessibleReference& parent, std::size_t most,
+                              Deadline deadline) {
+    const auto answer = bus.call(methodCall(parent, accessibleInterface, "GetChildren"), deadline);
+    AccessibleChildren children{resultOf(answer, "a(so)"), {}};
+    if (children.error != AccessibilityError::success) {
+        return children;
     }
     const auto list = qvariant_cast<QDBusArgument>(answer.arguments().front());
     list.beginArray();
-    while (!list.atEnd() && result.size() < most) {
+    while (!list.atEnd() && children.references.size() < most) {
         AccessibleReference reference;
         QDBusObjectPath path;
         list.beginStructure();
@@ -163,11 +165,11 @@ std::vector<AccessibleReference> referencesIn(const QDBusMessage& answer, std::s
         reference.path = path.path();
         // A toolkit's way to say that there is nothing; no message could be sent there.
         if (!reference.service.isEmpty() && !reference.path.isEmpty()) {
-            result.push_back(std::move(reference));
+            children.references.push_back(std::move(reference));
         }
     }
     list.endArray();
-    return result;
+    return children;
 }
 
 } // namespace quillon::x11

@@ -63,7 +63,18 @@ private:
 [[nodiscard]] std::optional<QString> propertyText(const QDBusMessage& answer);
 [[nodiscard]] std::optional<std::uint32_t> numberIn(const QDBusMessage& answer);
 [[nodiscard]] std::optional<PixelRect> extentsIn(const QDBusMessage& answer);
-/// The objects of a list, up to a number; empty when it is none.
-[[nodiscard]] std::vector<AccessibleReference> referencesIn(const QDBusMessage& answer, std::size_t most);
+
+/// What every object has.
+inline constexpr auto accessibleInterface = "org.a11y.atspi.Accessible";
+
+struct AccessibleChildren {
+    AccessibilityError error = AccessibilityError::success;
+    /// Empty after an error.
+    std::vector<AccessibleReference> references;
+};
+
+/// Asks an object for its children, of which the first ones up to a number are taken.
+[[nodiscard]] AccessibleChildren childrenOf(AccessibilityBus& bus, const AccessibleReference& parent, std::size_t most,
+                                            Deadline deadline);
 
 } // namespace quillon::x11

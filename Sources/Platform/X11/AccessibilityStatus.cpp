@@ -42,9 +42,7 @@ QDBusMessage question() {
 AccessibilityStatus::AccessibilityStatus() : bus(QDBusConnection::sessionBus()) {}
 
 bool AccessibilityStatus::isEnabled() {
-    if (!isFollowing) {
-        follow();
-    }
+    follow();
     return enabled;
 }
 
@@ -63,15 +61,12 @@ bool AccessibilityStatus::switchOn() {
 }
 
 RegistrationToken AccessibilityStatus::observe(std::function<void()> changed) {
-    if (!isFollowing) {
-        follow();
-    }
+    follow();
     return observers.add(0, std::move(changed));
 }
 
 void AccessibilityStatus::follow() {
-    isFollowing = true;
-    if (!hasSessionBus()) {
+    if (std::exchange(isFollowing, true) || !hasSessionBus()) {
         return;
     }
     auto* watcher = new QDBusServiceWatcher(service, bus, QDBusServiceWatcher::WatchForOwnerChange, this);

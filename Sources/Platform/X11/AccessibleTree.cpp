@@ -9,8 +9,6 @@ namespace quillon::x11 {
 
 namespace {
 
-constexpr auto accessibleInterface = "org.a11y.atspi.Accessible";
-
 // AT-SPI's numbers of roles (atspi-constants.h).
 constexpr std::uint32_t menuRole = 33;
 constexpr std::uint32_t menuBarRole = 34;
@@ -78,11 +76,10 @@ AccessibilityError AccessibleTree::load(AccessibleNode& node, Deadline deadline)
 }
 
 AccessibilityError AccessibleTree::request(AccessibleNode& node, Deadline deadline) {
-    const auto answer = bus.call(methodCall(node.reference, accessibleInterface, "GetChildren"), deadline);
-    if (const auto error = resultOf(answer, "a(so)"); error != AccessibilityError::success) {
+    const auto [error, references] = childrenOf(bus, node.reference, mostChildren, deadline);
+    if (error != AccessibilityError::success) {
         return error;
     }
-    const auto references = referencesIn(answer, mostChildren);
     // All at once: asked for one by one, they would take most of the time of a walk.
     std::vector<QDBusMessage> questions;
     for (const auto& reference : references) {

@@ -8,7 +8,6 @@ namespace quillon::x11 {
 
 namespace {
 
-constexpr auto accessibleInterface = "org.a11y.atspi.Accessible";
 /// More than a desktop has, and more windows than an application has.
 constexpr std::size_t mostApplications = 500;
 constexpr std::size_t mostWindows = 500;
@@ -76,33 +75,28 @@ Fit fit(const AccessibleWindowTraits& traits, const Candidate& candidate) {
 std::vector<AccessibleReference> applicationsOf(AccessibilityBus& bus, ProcessID pid, Deadline deadline,
                                                 AccessibilityError& error) {
     const AccessibleReference registry{"org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root"};
-    const auto answer = bus.call(methodCall(registry, accessibleInterface, "GetChildren"), deadline);
-    error = resultOf(answer, "a(so)");
-    if (error == AccessibilityError::invalidUIElement) {
-        // Nobody has registered yet.
-        error = AccessibilityError::noValue;
-    }
-    const auto all = referencesIn(answer, mostApplications);
+    const auto [result, all] = childrenOf(bus, registry, mostApplications, deadline);
+    // An invalid one: nobody has registered yet.
+    error = result == AccessibilityError::invalidUIElement ? AccessibilityError::noValue : result;
     std::vector<QDBusMessage> questions;
     for (const auto& application : all) {
         questions.push_back(methodCall({"org.freedesktop.DBus", "/org/freedesktop/DBus"}, "org.freedesktop.DBus",
                                        "GetConnectionUnixProcessID", {application.service}));
     }
     const auto answers = bus.call(questions, deadline);
-    std::vector<AccessibleReference> result;
+    std::vector<AccessibleReference> applications;
     for (std::size_t index = 0; index < all.size(); ++index) {
         if (numberIn(answers[index]) == static_cast<std::uint32_t>(pid)) {
-            result.push_back(all[index]);
+            applications.push_back(all[index]);
         }
     }
-    return result;
+    return applications;
 }
 
 std::vector<Candidate> windowsOf(AccessibilityBus& bus, const AccessibleReference& application, Deadline deadline,
                                  AccessibilityError& error) {
-    const auto answer = bus.call(methodCall(application, accessibleInterface, "GetChildren"), deadline);
-    error = resultOf(answer, "a(so)");
-    const auto windows = referencesIn(answer, mostWindows);
+    const auto [listError, windows] = childrenOf(bus, application, mostWindows, deadline);
+    error = listError;
     std::vector<QDBusMessage> questions;
     for (const auto& window : windows) {
         questions.push_back(propertyRead(window, accessibleInterface, "Name"));

@@ -152,10 +152,7 @@ private:
         return Kind::ordinary;
     }
 
-    [[nodiscard]] bool isHidden() const {
-        const auto states = netState.numbers();
-        return std::find(states.begin(), states.end(), connection.atom("_NET_WM_STATE_HIDDEN")) != states.end();
-    }
+    [[nodiscard]] bool isHidden() const { return netState.contains(connection.atom("_NET_WM_STATE_HIDDEN")); }
 
     [[nodiscard]] bool isOnDesktop(std::optional<std::uint32_t> currentDesktop) const {
         const auto number = desktop.number();

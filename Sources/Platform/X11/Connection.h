@@ -132,11 +132,6 @@ public:
     /// The server's time of the latest event that carried one (CurrentTime before the first).
     [[nodiscard]] xcb_timestamp_t latestTime() const { return lastTimestamp; }
 
-    /// The window that was last to come to the front, until it is asked for; the window manager's list of windows may
-    /// show it there only later.
-    void setRaisedWindow(xcb_window_t window) { raisedWindow = window; }
-    [[nodiscard]] xcb_window_t takeRaisedWindow() { return std::exchange(raisedWindow, XCB_WINDOW_NONE); }
-
     // Coordinates: pixels of the root window to and from points, whose origin is the primary screen's top left. Any
     // thread.
     [[nodiscard]] DisplayRect toPoints(const PixelRect& rect) const;
@@ -175,7 +170,6 @@ private:
     mutable std::mutex primaryScreenMutex;
     PixelRect primaryScreenPixels;
     xcb_timestamp_t lastTimestamp = XCB_CURRENT_TIME;
-    xcb_window_t raisedWindow = XCB_WINDOW_NONE;
     std::unordered_map<std::string, xcb_atom_t> atoms;
     /// Shared with the tokens, which may outlive the connection.
     std::shared_ptr<Tables> tables;

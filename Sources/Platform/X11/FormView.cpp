@@ -47,6 +47,7 @@ private:
     void addControls(QHBoxLayout& line);
     void addItem(QHBoxLayout& line, const RowItem& item);
     void add(QHBoxLayout& line, QWidget* widget, bool takesFocus);
+    void showTexts();
     void showControls();
 
     FormRow row;
@@ -79,7 +80,7 @@ FormRowView::FormRowView(const FormRow& row) : row(row) {
     const bool endsWithBox = !focusable.empty() && focusable.back() == widgets.back();
     line->setContentsMargins(rowMargin, verticalMargin, endsWithBox ? rowMargin - focusMargin : rowMargin,
                              verticalMargin);
-    setRow(row);
+    showTexts();
 }
 
 void FormRowView::addControls(QHBoxLayout& line) {
@@ -116,9 +117,13 @@ void FormRowView::add(QHBoxLayout& line, QWidget* widget, bool takesFocus) {
 
 void FormRowView::setRow(const FormRow& newRow) {
     row = newRow;
+    showTexts();
+    showControls();
+}
+
+void FormRowView::showTexts() {
     title->setText(QString::fromStdString(row.title));
     note->setText(QString::fromStdString(row.note));
-    showControls();
     for (auto* widget : focusable) {
         const bool isButton = std::holds_alternative<RowItems>(row.control);
         // A button is known by its own title; what it is for stands beside it.
@@ -250,7 +255,7 @@ private:
 
 FormView::FormView(const Form& form)
     : scrolling(new QScrollArea(this)), document(new QWidget), column(new QVBoxLayout(document)),
-      footer(new QWidget(this)), closing(new PushButton(form.closing)) {
+      footer(new QWidget(this)), closing(new PushButton(form.closing)), minimum(form.minimumSize) {
     constexpr int footerMargin = 10;
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -275,7 +280,7 @@ FormView::FormView(const Form& form)
     // The button comes after the rows, so that the first step from the scroll area leads to the first row.
     fitSections(form.sections);
     footerLine->addWidget(closing);
-    setForm(form);
+    orderTabs();
 }
 
 void FormView::setForm(const Form& form) {

@@ -1,9 +1,9 @@
 #include "Platform/X11/FullScreenWatch.h"
 
 #include "Platform/X11/Event.h"
+#include "Platform/X11/PropertyReply.h"
 
 #include <algorithm>
-#include <span>
 #include <utility>
 
 namespace quillon::x11 {
@@ -17,13 +17,6 @@ constexpr int anyChange = 0;
 
 bool isChangeOf(const xcb_generic_event_t& event, xcb_atom_t property) {
     return eventType(event) == XCB_PROPERTY_NOTIFY && as<xcb_property_notify_event_t>(event).atom == property;
-}
-
-std::span<const std::uint32_t> numbersOf(const xcb_get_property_reply_t* reply) {
-    if (reply == nullptr || reply->format != 32) {
-        return {};
-    }
-    return {static_cast<const std::uint32_t*>(xcb_get_property_value(reply)), reply->value_len};
 }
 
 } // namespace

@@ -103,17 +103,13 @@ void PanelWindow::map(const PanelStacking& stacking) {
 }
 
 void PanelWindow::unmap() {
-    auto* const xcb = connection.xcb();
-    xcb_unmap_window(xcb, window);
+    xcb_unmap_window(connection.xcb(), window);
     // Tells the window manager that the window is withdrawn even if it was not mapped yet (ICCCM 4.1.4).
     xcb_unmap_notify_event_t notice{};
     notice.response_type = XCB_UNMAP_NOTIFY;
     notice.event = connection.root();
     notice.window = window;
-    std::array<char, 32> event{};
-    std::copy_n(reinterpret_cast<const char*>(&notice), sizeof notice, event.begin());
-    xcb_send_event(xcb, 0, connection.root(), XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-                   event.data());
+    tellManager(connection, notice);
 }
 
 void PanelWindow::writeStacking(const PanelStacking& stacking) {

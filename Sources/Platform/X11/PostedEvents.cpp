@@ -1,7 +1,6 @@
 #include "Platform/X11/PostedEvents.h"
 
-#include <algorithm>
-#include <array>
+#include "Platform/X11/SendEvent.h"
 
 namespace quillon::x11 {
 
@@ -9,11 +8,7 @@ namespace {
 
 template <class Event>
 void post(Connection& connection, xcb_window_t window, const Event& event) {
-    // The server sends 32 bytes, whatever the length of the event.
-    std::array<char, 32> bytes{};
-    static_assert(sizeof event <= bytes.size());
-    std::copy_n(reinterpret_cast<const char*>(&event), sizeof event, bytes.begin());
-    connection.mayFail(xcb_send_event(connection.xcb(), 0, window, XCB_EVENT_MASK_NO_EVENT, bytes.data()));
+    sendEvent(connection, window, XCB_EVENT_MASK_NO_EVENT, event);
 }
 
 /// Presses, releases, moves and crossings begin alike.

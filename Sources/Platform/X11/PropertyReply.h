@@ -2,11 +2,20 @@
 
 #include "Platform/X11/Connection.h"
 
+#include <algorithm>
 #include <optional>
 #include <span>
 #include <string_view>
 
 namespace quillon::x11 {
+
+/// The numbers of a property of 32 bits; empty when there is no reply, or one of another format. Valid as long as it.
+[[nodiscard]] inline std::span<const std::uint32_t> numbersOf(const xcb_get_property_reply_t* reply) {
+    if (reply == nullptr || reply->format != 32) {
+        return {};
+    }
+    return {static_cast<const std::uint32_t*>(xcb_get_property_value(reply)), reply->value_len};
+}
 
 /// A property that was asked for; `wait` must follow, so that several can be asked for before the first is waited for.
 class PropertyReply {
@@ -31,11 +40,10 @@ public:
     }
     /// The numbers of a property of 32 bits; empty when it is absent or has another format. Valid as long as this
     /// object.
-    [[nodiscard]] std::span<const std::uint32_t> numbers() const {
-        if (!reply || reply->format != 32) {
-            return {};
-        }
-        return {static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get())), reply->value_len};
+    [[nodiscard]] std::span<const std::uint32_t> numbers() const { return numbersOf(reply.get()); }
+    [[nodiscard]] bool contains(std::uint32_t number) const {
+        const auto all = numbers();
+        return std::find(all.begin(), all.end(), number) != all.end();
     }
     [[nodiscard]] std::optional<std::uint32_t> number() const {
         const auto all = numbers();

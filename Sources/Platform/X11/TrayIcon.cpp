@@ -3,6 +3,7 @@
 #include "Platform/X11/DrawnPicture.h"
 #include "Platform/X11/Event.h"
 #include "Platform/X11/Images.h"
+#include "Platform/X11/SendEvent.h"
 #include "Platform/X11/TrayManager.h"
 
 #include <QCursor>
@@ -95,17 +96,9 @@ void TrayIcon::askForSide(int side) {
 }
 
 void TrayIcon::dock() {
-    xcb_client_message_event_t message{};
-    message.response_type = XCB_CLIENT_MESSAGE;
-    message.format = 32;
-    message.window = trayWindow;
-    message.type = connection.atom("_NET_SYSTEM_TRAY_OPCODE");
-    message.data.data32[0] = connection.latestTime();
-    message.data.data32[1] = requestDock;
-    message.data.data32[2] = window;
-    std::array<char, 32> event{};
-    std::copy_n(reinterpret_cast<const char*>(&message), sizeof message, event.begin());
-    connection.mayFail(xcb_send_event(connection.xcb(), 0, trayWindow, XCB_EVENT_MASK_NO_EVENT, event.data()));
+    sendEvent(connection, trayWindow, XCB_EVENT_MASK_NO_EVENT,
+              clientMessage(connection, trayWindow, "_NET_SYSTEM_TRAY_OPCODE",
+                            {connection.latestTime(), requestDock, window}));
 }
 
 void TrayIcon::setImage(std::shared_ptr<Image> newImage, Appearance newAppearance) {

@@ -2,6 +2,7 @@
 
 #include "Platform/X11/ClientWindows.h"
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -34,6 +35,11 @@ public:
         return use(*sideConnection, ClientWindows(*sideConnection));
     }
 
+    /// The window that was last raised, until it is asked for; the window manager's list may show it in front only
+    /// later.
+    void setRaisedWindow(xcb_window_t window) const { raisedWindow = window; }
+    [[nodiscard]] xcb_window_t takeRaisedWindow() const { return raisedWindow.exchange(XCB_WINDOW_NONE); }
+
     /// Pixels of the root window in points; the other connection does not learn which screen is the primary one.
     [[nodiscard]] DisplayRect toPoints(const PixelRect& rect) const { return mainConnection.toPoints(rect); }
 
@@ -52,6 +58,7 @@ private:
     Connection& mainConnection;
     const ClientWindows& mainWindows;
     std::thread::id mainThread;
+    mutable std::atomic<xcb_window_t> raisedWindow = XCB_WINDOW_NONE;
     /// Held while another thread than the main one uses the side connection.
     mutable std::mutex mutex;
     mutable std::unique_ptr<Connection> sideConnection;

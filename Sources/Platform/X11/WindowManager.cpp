@@ -2,9 +2,6 @@
 
 #include "Platform/X11/PropertyReply.h"
 
-#include <algorithm>
-#include <array>
-
 namespace quillon::x11 {
 
 namespace {
@@ -13,31 +10,18 @@ namespace {
 /// may refuse the wishes of ordinary applications.
 constexpr std::uint32_t fromUser = 2;
 
-void sendToManager(Connection& connection, const void* event) {
-    xcb_send_event(connection.xcb(), 0, connection.root(),
-                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-                   static_cast<const char*>(event));
-}
-
 } // namespace
 
 void askManager(Connection& connection, xcb_window_t window, std::string_view message,
                 std::initializer_list<std::uint32_t> data) {
-    xcb_client_message_event_t event{};
-    event.response_type = XCB_CLIENT_MESSAGE;
-    event.format = 32;
-    event.window = window;
-    event.type = connection.atom(message);
-    std::copy(data.begin(), data.end(), event.data.data32);
-    sendToManager(connection, &event);
+    tellManager(connection, clientMessage(connection, window, message, data));
 }
 
 bool managerSupports(Connection& connection, std::string_view message) {
     constexpr std::uint32_t longestList = 1024;
     PropertyReply supported(connection, connection.root(), connection.atom("_NET_SUPPORTED"), longestList);
     supported.wait();
-    const auto atoms = supported.numbers();
-    return std::find(atoms.begin(), atoms.end(), connection.atom(message)) != atoms.end();
+    return supported.contains(connection.atom(message));
 }
 
 void activate(Connection& connection, xcb_window_t window) {
@@ -67,7 +51,6 @@ void activateHere(Connection& connection, xcb_window_t window) {
 }
 
 void raise(Connection& connection, xcb_window_t window) {
-    connection.setRaisedWindow(window);
     const std::uint32_t mode = XCB_STACK_MODE_ABOVE;
     connection.mayFail(xcb_configure_window(connection.xcb(), window, XCB_CONFIG_WINDOW_STACK_MODE, &mode));
 }
@@ -86,9 +69,7 @@ void restackBehind(Connection& connection, xcb_window_t window, xcb_window_t fro
     event.window = window;
     event.sibling = front;
     event.value_mask = XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE;
-    std::array<char, 32> bytes{};
-    std::copy_n(reinterpret_cast<const char*>(&event), sizeof event, bytes.begin());
-    sendToManager(connection, bytes.data());
+    tellManager(connection, event);
 }
 
 bool hasCompositor(Connection& connection) {

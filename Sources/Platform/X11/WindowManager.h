@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/X11/Connection.h"
+#include "Platform/X11/SendEvent.h"
 
 #include <cstdint>
 #include <initializer_list>
@@ -13,6 +14,13 @@ namespace quillon::x11 {
 
 /// _NET_WM_DESKTOP's value for a window on all desktops.
 inline constexpr std::uint32_t allDesktops = 0xffffffff;
+
+/// Sends the window manager an event of whatever kind.
+template <class Event>
+void tellManager(Connection& connection, const Event& event) {
+    sendEvent(connection, connection.root(), XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+              event);
+}
 
 /// Sends a client message about the window, or about the desktop if that is the root window.
 void askManager(Connection& connection, xcb_window_t window, std::string_view message,

@@ -2,8 +2,8 @@
 
 #include "Platform/X11/Event.h"
 #include "Platform/X11/PropertyReply.h"
+#include "Platform/X11/SendEvent.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace quillon::x11 {
@@ -32,21 +32,13 @@ bool WindowPing::isUnderstood() const {
     constexpr std::uint32_t mostProtocols = 64;
     PropertyReply protocols(connection, window, connection.atom("WM_PROTOCOLS"), mostProtocols);
     protocols.wait();
-    const auto all = protocols.numbers();
-    return std::find(all.begin(), all.end(), connection.atom("_NET_WM_PING")) != all.end();
+    return protocols.contains(connection.atom("_NET_WM_PING"));
 }
 
 void WindowPing::send() {
-    xcb_client_message_event_t event{};
-    event.response_type = XCB_CLIENT_MESSAGE;
-    event.format = 32;
-    event.window = window;
-    event.type = connection.atom("WM_PROTOCOLS");
-    event.data.data32[0] = connection.atom("_NET_WM_PING");
-    event.data.data32[1] = connection.latestTime();
-    event.data.data32[2] = window;
-    connection.mayFail(
-        xcb_send_event(connection.xcb(), 0, window, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char*>(&event)));
+    sendEvent(connection, window, XCB_EVENT_MASK_NO_EVENT,
+              clientMessage(connection, window, "WM_PROTOCOLS",
+                            {connection.atom("_NET_WM_PING"), connection.latestTime(), window}));
 }
 
 /// The answer is the question, sent to the root window.

@@ -53,7 +53,7 @@ void X11Workspace::activateApplication(ProcessID pid) {
     const auto isOrdinary = [pid](const ClientWindow& window) { return window.isOrdinaryOf(pid); };
     // Front to back, minimised ones too.
     const auto all = windows.list();
-    const auto raised = connection.takeRaisedWindow();
+    const auto raised = access.takeRaisedWindow();
     auto front = std::find_if(all.begin(), all.end(),
                               [&](const auto& window) { return window.window == raised && isOrdinary(window); });
     if (front == all.end()) {

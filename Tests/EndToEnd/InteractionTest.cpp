@@ -294,6 +294,13 @@ TEST_P(InteractionWithPrograms, QtSelectsTextAndOpensMenus) {
     EXPECT_TRUE(client.holdsFor(isOpen, Milliseconds(700))) << "the menu closed by itself";
     EXPECT_TRUE(isUndisturbed());
     keepPicture("menu-of-qt");
+
+    // Qt activates its window when a menu of its bar closes with the key; the focus comes back at once.
+    mayTakeFocus = true;
+    client.type({escapeKey});
+    EXPECT_TRUE(client.waitUntil([&] { return visibleWindowsOfSource() == before; }));
+    ASSERT_TRUE(hasSettled(Milliseconds(300)));
+    EXPECT_TRUE(isUndisturbed());
 }
 
 TEST_P(InteractionWithPrograms, TkPressesDragsAndScrolls) {

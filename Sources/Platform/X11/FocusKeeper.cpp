@@ -145,14 +145,24 @@ void FocusKeeper::takeBackUnlessMenuIsOpen() {
         takeBack();
         return;
     }
+    // Closing the menu, whenever the user does it, is a consequence of what was posted, too.
+    guard(*lent);
+    guarded->end = Clock::time_point::max();
     menuSelection = connection.selectInput(*menu, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     menuEvents = connection.observeWindow(*menu, [this](const auto& event) {
         const auto type = eventType(event);
         if (type == XCB_UNMAP_NOTIFY || type == XCB_DESTROY_NOTIFY) {
-            // Another menu may take its place.
-            takeBackSoon();
+            menuClosed();
         }
     });
+}
+
+void FocusKeeper::menuClosed() {
+    if (lent) {
+        guard(*lent);
+    }
+    // Another menu may take its place.
+    takeBackSoon();
 }
 
 void FocusKeeper::takeBack() {

@@ -85,6 +85,21 @@ void PostedInput::inOrder(Step step) {
     }
 }
 
+void PostedInput::pauseBefore(Step step) {
+    waiting.push_front(std::move(step));
+    isPausing = true;
+}
+
+/// True when the route is not there yet; the step is taken again once it is.
+bool PostedInput::mustPrepare(InputRoute route, Step step) {
+    if (route != InputRoute::secondPointer ||
+        !secondPointer.prepare(weakly([](PostedInput& self) { self.resume(); }))) {
+        return false;
+    }
+    pauseBefore(std::move(step));
+    return true;
+}
+
 void PostedInput::resume() {
     ping.reset();
     isPausing = false;
@@ -114,9 +129,12 @@ void PostedInput::postPress(const PointerAction& action, xcb_button_t button) {
         }
         allowsDrags = decoration != OwnDecoration::titleBar;
     }
+    const Step again = [action, button](PostedInput& self) { self.postPress(action, button); };
+    if (mustPrepare(target->buttonRoute, again)) {
+        return;
+    }
     if (focusKeeper.willPost(*target, true)) {
-        waiting.emplace_front([action, button](PostedInput& self) { self.postPress(action, button); });
-        isPausing = true;
+        pauseBefore(again);
         ping = std::make_unique<WindowPing>(connection, scheduler, target->outermost, [this] {
             scheduler.mainAfter(focusPause, weakly([](PostedInput& self) { self.resume(); }));
         });
@@ -201,6 +219,11 @@ void PostedInput::postScroll(const PointerAction& action, int vertical, int hori
     const auto target = targetOf(action);
     const auto pointer = target ? pointerIn(target->window, action) : std::nullopt;
     if (!pointer) {
+        return;
+    }
+    if (mustPrepare(target->wheelRoute, [action, vertical, horizontal](PostedInput& self) {
+            self.postScroll(action, vertical, horizontal);
+        })) {
         return;
     }
     const bool isOutside = !held.contains(action.window);

@@ -75,6 +75,9 @@ private:
     using Step = std::function<void(PostedInput&)>;
     /// Now, or after what waits.
     void inOrder(Step step);
+    /// Lets everything wait until `resume`, first of all this step.
+    void pauseBefore(Step step);
+    [[nodiscard]] bool mustPrepare(InputRoute route, Step step);
     void resume();
     void postFirst();
     void postPress(const PointerAction& action, xcb_button_t button);

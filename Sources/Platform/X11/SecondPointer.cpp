@@ -117,7 +117,7 @@ private:
 /// The device at the server, on a connection of its own, for which it is the pointer that requests are about.
 class SecondPointer::Device {
 public:
-    /// Null when the server has no such thing.
+    /// Null when the server has no such thing. Any thread, which waits for the server.
     static std::unique_ptr<Device> make() {
         auto opened = Connection::open();
         auto* const connection = std::get_if<std::unique_ptr<Connection>>(&opened);
@@ -263,25 +263,32 @@ SecondPointer::SecondPointer(Connection& connection, Scheduler& scheduler) : sch
 
 SecondPointer::~SecondPointer() = default;
 
-SecondPointer::Device* SecondPointer::device() {
-    if (!wasTried) {
-        made = Device::make();
-        wasTried = true;
+bool SecondPointer::prepare(Task prepared) {
+    if (std::exchange(wasPrepared, true)) {
+        return false;
     }
-    return made.get();
+    making = scheduler.makeSerialQueue("local.quillon.pointer");
+    auto use = weakly([prepared = std::move(prepared)](SecondPointer& self, const std::shared_ptr<Device>& made) {
+        self.device = made;
+        self.making.reset();
+        prepared();
+    });
+    making->async([&main = scheduler, use = std::move(use)] {
+        main.mainAsync([use, made = std::shared_ptr<Device>(Device::make())] { use(made); });
+    });
+    return true;
 }
 
 bool SecondPointer::press(const PostedPointer& pointer, xcb_button_t button) {
-    auto* const own = device();
-    if (own == nullptr || isHeldElsewhere(pointer.window)) {
+    if (!device || isHeldElsewhere(pointer.window)) {
         return false;
     }
     if (!buttons.empty()) {
         // The window that got the first press gets all that follow.
-        own->moveTo(pointer);
-        own->press(pointer.window, button);
-        own->finish();
-    } else if (!own->reach(pointer, [&] { own->press(pointer.window, button); })) {
+        device->moveTo(pointer);
+        device->press(pointer.window, button);
+        device->finish();
+    } else if (!device->reach(pointer, [&] { device->press(pointer.window, button); })) {
         return false;
     }
     heldWindow = pointer.window;
@@ -290,19 +297,18 @@ bool SecondPointer::press(const PostedPointer& pointer, xcb_button_t button) {
 }
 
 void SecondPointer::move(const PostedPointer& pointer) {
-    if (auto* const own = device(); own != nullptr && !buttons.empty()) {
-        own->moveTo(pointer);
-        own->finish();
+    if (device && !buttons.empty()) {
+        device->moveTo(pointer);
+        device->finish();
     }
 }
 
 void SecondPointer::release(xcb_button_t button) {
-    auto* const own = device();
-    if (own == nullptr || std::erase(buttons, button) == 0) {
+    if (!device || std::erase(buttons, button) == 0) {
         return;
     }
-    own->release(button);
-    own->finish();
+    device->release(button);
+    device->finish();
     parkSoon();
 }
 
@@ -310,30 +316,29 @@ void SecondPointer::parkSoon() {
     ++uses;
     scheduler.mainAfter(parkingDelay, weakly([use = uses](SecondPointer& self) {
                             if (self.uses == use && self.buttons.empty()) {
-                                self.made->park();
+                                self.device->park();
                             }
                         }));
 }
 
 void SecondPointer::turnWheel(const PostedPointer& pointer, xcb_button_t button, int count) {
-    auto* const own = count > 0 ? device() : nullptr;
-    if (own == nullptr || isHeldElsewhere(pointer.window)) {
+    if (!device || count == 0 || isHeldElsewhere(pointer.window)) {
         return;
     }
     const auto turn = [&] {
         for (int left = count; left > 0; --left) {
-            own->press(pointer.window, button);
-            own->release(button);
+            device->press(pointer.window, button);
+            device->release(button);
         }
     };
     if (buttons.empty()) {
-        if (own->reach(pointer, turn)) {
+        if (device->reach(pointer, turn)) {
             parkSoon();
         }
     } else {
-        own->moveTo(pointer);
+        device->moveTo(pointer);
         turn();
-        own->finish();
+        device->finish();
     }
 }
 

@@ -20,8 +20,8 @@ namespace quillon::x11 {
 /// them, and past the window manager, which would activate the window: managers wait for a press with a passive grab on
 /// the window, and a press that was held by another passive grab there and is then replayed goes on below them all.
 ///
-/// It is made with its first press and lies at the screen's right edge, over a pixel of its own, while it has nothing
-/// to do. Where the server lacks XInput 2 or XTEST, nothing happens. Main thread.
+/// It lies at the screen's right edge, over a pixel of its own, while it has nothing to do. Where the server lacks
+/// XInput 2 or XTEST, and before it is prepared, nothing happens. Main thread.
 class SecondPointer final : private HeldWeakly<SecondPointer> {
     friend HeldWeakly<SecondPointer>;
 
@@ -32,6 +32,9 @@ public:
     SecondPointer(const SecondPointer&) = delete;
     SecondPointer& operator=(const SecondPointer&) = delete;
 
+    /// Makes the pointer, for which the server takes some milliseconds, without waiting for it. Calls back in a later
+    /// turn of the event loop, unless this object has ended; false, and no call, when it was prepared before.
+    [[nodiscard]] bool prepare(Task prepared);
     /// False, and nothing happens, when the window is not shown at that place, or a button is down in another one.
     bool press(const PostedPointer& pointer, xcb_button_t button);
     /// While a button is down.
@@ -44,14 +47,15 @@ public:
 private:
     class Device;
 
-    [[nodiscard]] Device* device();
     void parkSoon();
     [[nodiscard]] bool isHeldElsewhere(xcb_window_t window) const { return !buttons.empty() && heldWindow != window; }
 
     Scheduler& scheduler;
-    /// None until it is needed, or when there cannot be one.
-    std::unique_ptr<Device> made;
-    bool wasTried = false;
+    /// None until it is prepared, or when there cannot be one.
+    std::shared_ptr<Device> device;
+    bool wasPrepared = false;
+    /// Only while the device is being made.
+    std::shared_ptr<SerialQueue> making;
     std::vector<xcb_button_t> buttons;
     xcb_window_t heldWindow = XCB_WINDOW_NONE;
     /// Counts what was done, so that a later one puts off parking.

@@ -368,5 +368,65 @@ INSTANTIATE_TEST_SUITE_P(Ways, X11AccessibilityOfBadPrograms,
                          testing::Values("endless", "circle", "crowd", "slow", "nonsense"),
                          [](const auto& test) { return std::string(test.param); });
 
+/// With a program that lies about the places and sizes in its window.
+class X11AccessibilityOfLiars : public X11AccessibilityTest {
+protected:
+    /// Ready to be asked.
+    RunningWindow startLiar(const char* way) {
+        desktop.startAccessibilityBus();
+        auto started = start({SAMPLE_ACCESSIBLE_PROGRAM, way});
+        EXPECT_EQ(errorOfChildren(started.program->pid()), AccessibilityError::success);
+        return started;
+    }
+    /// Where the area lies that begins at 10,50 in the window.
+    [[nodiscard]] DisplayRect trueFrame(e2e::Window window) const {
+        const auto place = client.place(window).value_or(e2e::Rect());
+        return {{place.x + 10.0, place.y + 50.0}, {380, 250}};
+    }
+    static void expectScrolling(const Element& bar) {
+        elsewhere([&] {
+            EXPECT_EQ(bar->setAttributeValue("AXValue", 0.5), AccessibilityError::success);
+            EXPECT_EQ(copyDouble(*bar, "AXValue"), 0.5);
+        });
+    }
+};
+
+TEST_F(X11AccessibilityOfLiars, AWindowThatTellsAnotherPlaceIsFoundAndItsAreaLiesInTheRealOne) {
+    const auto liar = startLiar("displaced");
+    const auto areas = awaitAreas(liar.program->pid());
+    ASSERT_EQ(areas.size(), 1U);
+    EXPECT_EQ(areas.front().frame, trueFrame(liar.window));
+    expectScrolling(areas.front().bar);
+}
+
+TEST_F(X11AccessibilityOfLiars, AWindowThatTellsAnotherSizeIsTakenForOneBehindABorder) {
+    const auto liar = startLiar("swollen");
+    const auto areas = awaitAreas(liar.program->pid());
+    ASSERT_EQ(areas.size(), 1U);
+    EXPECT_EQ(areas.front().frame, trueFrame(liar.window));
+    expectScrolling(areas.front().bar);
+}
+
+TEST_F(X11AccessibilityOfLiars, AnAreaWithoutBoundsIsUnderNoPointAndItsBarCannotBeSet) {
+    const auto liar = startLiar("boundless");
+    elsewhere([&] {
+        const auto read = windowsOf(liar.program->pid()).at(0)->copyAttributeValue("AXChildren");
+        const auto* children = read.get<Elements>();
+        ASSERT_NE(children, nullptr);
+        ASSERT_EQ(children->size(), 1U);
+        const auto& area = children->front();
+        EXPECT_EQ(copyString(*area, "AXRole"), "AXScrollArea");
+        const auto frame = frameOf(*area);
+        ASSERT_TRUE(frame);
+        const auto inWindow = trueFrame(liar.window);
+        EXPECT_FALSE(frame->contains(inWindow.origin));
+        const auto bar = copyElement(*area, "AXVerticalScrollBar");
+        ASSERT_NE(bar, nullptr);
+        EXPECT_FALSE(bar->isAttributeSettable("AXValue").isSettable);
+        EXPECT_EQ(copyDouble(*bar, "AXValue"), std::nullopt);
+        EXPECT_NE(bar->setAttributeValue("AXValue", 0.5), AccessibilityError::success);
+    });
+}
+
 } // namespace
 } // namespace quillon::x11

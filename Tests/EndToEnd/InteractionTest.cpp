@@ -236,6 +236,7 @@ TEST_P(InteractionWithPrograms, XtermSelectsAndScrolls) {
 
     doubleClick(xOf(8), yOf(18));
     EXPECT_TRUE(becomesSelected("secondo"));
+    waitAfterClicks();
     moveTo(xOf(0), yOf(19));
     press();
     dragThrough({{xOf(2), yOf(19)}, {xOf(5), yOf(19)}, {xOf(10), yOf(19)}});

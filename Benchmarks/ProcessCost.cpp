@@ -49,17 +49,16 @@ pid_t parentOf(pid_t process) {
 } // namespace
 
 double processorSeconds(const std::vector<pid_t>& processes) {
-    // Fields 14 and 15 of the whole line: user and system time.
-    constexpr std::size_t userTime = 11;
-    constexpr std::size_t systemTime = 12;
-    double ticks = 0;
+    // The first number of each thread's schedstat, in nanoseconds; the times in stat come in steps of 10 ms.
+    double nanoseconds = 0;
     for (const auto process : processes) {
-        const auto fields = statFields(process);
-        if (fields.size() > systemTime) {
-            ticks += std::stod(fields[userTime]) + std::stod(fields[systemTime]);
+        for (const auto& thread : std::filesystem::directory_iterator(directoryOf(process) / "task")) {
+            double running = 0;
+            std::ifstream(thread.path() / "schedstat") >> running;
+            nanoseconds += running;
         }
     }
-    return ticks / static_cast<double>(sysconf(_SC_CLK_TCK));
+    return nanoseconds / 1e9;
 }
 
 std::uint64_t wakeups(pid_t process) {

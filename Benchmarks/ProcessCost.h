@@ -7,8 +7,7 @@
 
 namespace quillon::benchmarks {
 
-/// Processor time that the processes have used so far, all their threads, in seconds. The kernel counts in ticks of
-/// 10 ms, so a run has to be long.
+/// Processor time that the processes have used so far, in seconds: that of the threads that they have now.
 [[nodiscard]] double processorSeconds(const std::vector<pid_t>& processes);
 
 /// How often the process's threads have gone to sleep and were woken, so far.

@@ -114,6 +114,27 @@ TEST_P(ScaledPicture, LooksLikeTheRealWindow) {
     keepPicture("scaled-" + GetParam().name);
 }
 
+TEST_P(ScaledPicture, ShowsWhatChangesBesidesAnAreaThatKeepsChanging) {
+    const auto source = startSample();
+    const auto cover = coverEverything();
+    quillon.start();
+    const auto panel = pinAndShow(source.window());
+    drag(panel, GetParam().x, GetParam().y);
+    const auto looksAlike = [&] { return likeness(panel, source.window()) >= GetParam().decibels; };
+    for (std::uint32_t content = 1000; content < 4000; content += 1000) {
+        // Long enough for the area to be expected. Its contents count from one after each change of the whole.
+        play(source.window(), 30, true);
+        ASSERT_TRUE(client.waitUntil([&] { return shownContent(source.window()) > 20; }));
+        client.sendMessage(source.window(), "_SAMPLE_SHOW", {content});
+        ASSERT_TRUE(client.waitUntil([&] {
+            const auto shown = shownContent(source.window());
+            return shown > 2 && shown < 15;
+        }));
+        play(source.window(), 0);
+        EXPECT_TRUE(client.waitUntil(looksAlike)) << likeness(panel, source.window()) << " dB";
+    }
+}
+
 // Exactly half is the mean of four pixels each. Otherwise bilinear filtering and the mean by area differ most along
 // the sample's lines of one pixel.
 INSTANTIATE_TEST_SUITE_P(Sizes, ScaledPicture,

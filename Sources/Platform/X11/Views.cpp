@@ -1,6 +1,7 @@
 #include "Platform/X11/Views.h"
 
 #include "Platform/X11/PicturePorts.h"
+#include "Platform/X11/Region.h"
 
 #include <algorithm>
 #include <cmath>
@@ -36,22 +37,6 @@ std::vector<PixelRect> areasOf(const xcb_xfixes_fetch_region_reply_t& reply) {
 } // namespace
 
 // Layer
-
-bool X11Layer::WholeFrames::expectsNext() {
-    if (skipped >= toSkip) {
-        return false;
-    }
-    ++skipped;
-    return true;
-}
-
-void X11Layer::WholeFrames::learn(bool wasWhole) {
-    // Twice as many after each confirmation: a source that stops changing as a whole has cost at most as many
-    // needless frames as it had whole ones.
-    constexpr int most = 15;
-    toSkip = wasWhole ? std::min(2 * toSkip + 1, most) : 0;
-    skipped = 0;
-}
 
 X11Layer::~X11Layer() {
     if (contents) {
@@ -119,6 +104,7 @@ void X11Layer::draw(std::span<const PixelRect> areas) {
 void X11Layer::drawAll() {
     fetch.reset();
     hasMissed = false;
+    expectation.forget();
     if (owner != nullptr) {
         const auto place = owner->windowRect(frame);
         draw({&place, 1});
@@ -134,22 +120,22 @@ void X11Layer::drawChange() {
     const auto place = owner->windowRect(frame);
     if (canvas->copies(*feed.picture, place)) {
         canvas->drawRegion(*feed.picture, place, feed.damage.id());
-    } else if (fetch) {
-        auto* const xcb = connection.xcb();
-        if (!missed) {
-            missed = Region(connection);
-            xcb_xfixes_create_region(xcb, missed.id(), 0, nullptr);
-        }
-        xcb_xfixes_union_region(xcb, missed.id(), feed.damage.id(), missed.id());
-        hasMissed = true;
-    } else if (wholeFrames.expectsNext()) {
-        drawAll();
+    } else if (const auto* changes = expectation.expect(feed.damage.id())) {
+        drawChanges(*changes);
     } else {
         fetchChange(feed.damage.id());
     }
 }
 
 void X11Layer::fetchChange(xcb_xfixes_region_t region) {
+    if (fetch) {
+        if (!missed) {
+            missed = makeRegion(connection);
+        }
+        xcb_xfixes_union_region(connection.xcb(), missed.id(), region, missed.id());
+        hasMissed = true;
+        return;
+    }
     fetch = connection.whenReplied(xcb_xfixes_fetch_region(connection.xcb(), region).sequence,
                                    [this](void* reply) { changeArrived(reply); });
 }
@@ -160,22 +146,36 @@ void X11Layer::changeArrived(const void* reply) {
         fetchChange(missed.id());
         missed.reset();
     }
-    if (reply == nullptr || scaler == std::nullopt) {
+    if (reply == nullptr || !contents) {
+        return;
+    }
+    const auto& [width, height, border, depth, visual] = contents->feed()->picture->geometry();
+    auto changes = areasOf(*static_cast<const xcb_xfixes_fetch_region_reply_t*>(reply));
+    constexpr double nearlyWhole = 0.9;
+    int sum = 0;
+    for (const auto& change : changes) {
+        sum += area(change);
+    }
+    if (sum >= nearlyWhole * width * height) {
+        changes = {{0, 0, width, height}};
+    }
+    drawChanges(changes);
+    expectation.learn(std::move(changes), width, height);
+}
+
+/// Draws what shows the areas of the picture.
+void X11Layer::drawChanges(std::span<const PixelRect> changes) {
+    if (!scaler) {
         return;
     }
     const auto place = owner->windowRect(frame);
-    const auto changes = areasOf(*static_cast<const xcb_xfixes_fetch_region_reply_t*>(reply));
     std::vector<PixelRect> areas;
-    int sum = 0;
     for (const auto& change : changes) {
         auto reach = scaler->reachOf(change);
-        sum += area(reach);
         reach.x += place.x;
         reach.y += place.y;
         areas.push_back(reach);
     }
-    constexpr double nearlyWhole = 0.9;
-    wholeFrames.learn(sum >= nearlyWhole * area(place));
     draw(areas);
 }
 

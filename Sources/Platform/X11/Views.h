@@ -3,6 +3,7 @@
 #include "Platform/Views.h"
 #include "Platform/X11/CapturedPicture.h"
 #include "Platform/X11/Connection.h"
+#include "Platform/X11/ExpectedChange.h"
 #include "Platform/X11/PictureScaler.h"
 #include "Platform/X11/ViewDrawing.h"
 #include "Platform/X11/WindowCanvas.h"
@@ -21,7 +22,8 @@ class X11View;
 /// Shows captured pictures in a view. Main thread.
 class X11Layer final : public Layer {
 public:
-    explicit X11Layer(Connection& connection) : connection(connection) {}
+    explicit X11Layer(Connection& connection)
+        : connection(connection), expectation(connection, [this](auto region) { fetchChange(region); }) {}
     ~X11Layer() override;
 
     void setFrame(const WindowRect& newFrame) override;
@@ -37,31 +39,18 @@ public:
     void forgetCanvas();
 
 private:
-    /// Predicts frames that change the whole picture. To draw a scaled picture one has to ask the server what has
-    /// changed, and to wake up for the answer; for a source that keeps changing as a whole the answer is known.
-    class WholeFrames {
-    public:
-        /// Whether the next frame is drawn as a whole without asking.
-        [[nodiscard]] bool expectsNext();
-        /// An answer has come.
-        void learn(bool wasWhole);
-
-    private:
-        int toSkip = 0;
-        int skipped = 0;
-    };
-
     void drawAll();
     void drawChange();
     void fetchChange(xcb_xfixes_region_t region);
     void changeArrived(const void* reply);
+    void drawChanges(std::span<const PixelRect> changes);
 
     Connection& connection;
     X11View* owner = nullptr;
     WindowRect frame;
     std::shared_ptr<PictureSurface> contents;
     std::optional<PictureScaler> scaler;
-    WholeFrames wholeFrames;
+    ExpectedChange expectation;
     /// The question for what has changed is on its way.
     RegistrationToken fetch;
     /// What has changed since that question was asked.

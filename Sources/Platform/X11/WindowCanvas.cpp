@@ -1,5 +1,7 @@
 #include "Platform/X11/WindowCanvas.h"
 
+#include "Platform/X11/Region.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -9,18 +11,6 @@ namespace {
 
 bool isEmpty(const PixelRect& rect) {
     return rect.width <= 0 || rect.height <= 0;
-}
-
-xcb_rectangle_t rectangle(const PixelRect& rect) {
-    return {static_cast<std::int16_t>(rect.x), static_cast<std::int16_t>(rect.y),
-            static_cast<std::uint16_t>(rect.width), static_cast<std::uint16_t>(rect.height)};
-}
-
-Region makeRegion(Connection& connection, std::span<const xcb_rectangle_t> rectangles) {
-    Region region(connection);
-    xcb_xfixes_create_region(connection.xcb(), region.id(), static_cast<std::uint32_t>(rectangles.size()),
-                             rectangles.data());
-    return region;
 }
 
 GraphicsContext makeContext(Connection& connection, xcb_drawable_t drawable) {
@@ -36,8 +26,7 @@ WindowCanvas::WindowCanvas(Connection& connection, const PictureFormats& formats
                            std::uint8_t depth, xcb_visualid_t visual)
     : connection(connection), formats(formats), window(window), windowDepth(depth),
       format(formats.ofVisual(visual).value_or(XCB_NONE)), windowPicture(connection),
-      clipped(makeContext(connection, window)), plain(makeContext(connection, window)),
-      clip(makeRegion(connection, {})) {
+      clipped(makeContext(connection, window)), plain(makeContext(connection, window)), clip(makeRegion(connection)) {
     xcb_render_create_picture(connection.xcb(), windowPicture.id(), window, format, 0, nullptr);
     setOverlays({});
 }
@@ -45,22 +34,21 @@ WindowCanvas::WindowCanvas(Connection& connection, const PictureFormats& formats
 void WindowCanvas::setOverlays(std::span<const Overlay> overlays) {
     auto* const xcb = connection.xcb();
     blends.clear();
-    std::vector<xcb_rectangle_t> rectangles;
+    std::vector<PixelRect> places;
     for (const auto& [rect, drawing] : overlays) {
         if (isEmpty(rect)) {
             continue;
         }
-        rectangles.push_back(rectangle(rect));
+        places.push_back(rect);
+        const auto size = rectangle(rect);
         Blend blend{rect, drawing, Pixmap(connection), Picture(connection)};
-        xcb_create_pixmap(xcb, windowDepth, blend.pixmap.id(), window, rectangles.back().width,
-                          rectangles.back().height);
+        xcb_create_pixmap(xcb, windowDepth, blend.pixmap.id(), window, size.width, size.height);
         xcb_render_create_picture(xcb, blend.picture.id(), blend.pixmap.id(), format, 0, nullptr);
         blends.push_back(std::move(blend));
     }
-    covered = makeRegion(connection, rectangles);
-    uncovered = Region(connection);
+    covered = makeRegion(connection, places);
+    uncovered = makeRegion(connection);
     const xcb_rectangle_t everything{0, 0, INT16_MAX, INT16_MAX};
-    xcb_xfixes_create_region(xcb, uncovered.id(), 0, nullptr);
     xcb_xfixes_invert_region(xcb, covered.id(), everything, uncovered.id());
     xcb_xfixes_set_picture_clip_region(xcb, windowPicture.id(), uncovered.id(), 0, 0);
 }

@@ -1,6 +1,7 @@
 #include "Platform/X11/WindowStream.h"
 
 #include "Platform/X11/CaptureErrors.h"
+#include "Platform/X11/Region.h"
 #include "Platform/X11/Scheduler.h"
 
 #include <utility>
@@ -90,8 +91,7 @@ void WindowStream::complete(Completion completion, std::optional<CaptureError> e
 void WindowStream::run() {
     state = State::running;
     auto* const xcb = connection.xcb();
-    feed->damage = Region(connection);
-    xcb_xfixes_create_region(xcb, feed->damage.id(), 0, nullptr);
+    feed->damage = makeRegion(connection);
     damage = Damage(connection);
     connection.mayFail(xcb_damage_create(xcb, damage.id(), source->id(), XCB_DAMAGE_REPORT_LEVEL_NON_EMPTY));
     damageEvents = connection.observeDamage(damage.id(), [this](const auto&) { pacer.markDirty(); });

@@ -62,14 +62,17 @@ xcb_sync_counter_t findClock(xcb_connection_t* xcb) {
 
 ServerPause::ServerPause(Connection& connection) : connection(connection), clock(findClock(connection.xcb())) {}
 
-void ServerPause::wait(std::chrono::milliseconds time) const {
-    if (clock == XCB_NONE) {
+void ServerPause::waitUntil(xcb_timestamp_t time) const {
+    // The clock begins anew after 2^32 ms, some 50 days; a time just before that, once missed,
+    // would hold up everything until the next turn.
+    constexpr xcb_timestamp_t hour = 60 * 60 * 1000;
+    if (clock == XCB_NONE || time > std::numeric_limits<xcb_timestamp_t>::max() - hour) {
         return;
     }
     const xcb_sync_waitcondition_t condition{
         .trigger = {.counter = clock,
-                    .wait_type = XCB_SYNC_VALUETYPE_RELATIVE,
-                    .wait_value = parts(time.count()),
+                    .wait_type = XCB_SYNC_VALUETYPE_ABSOLUTE,
+                    .wait_value = parts(time),
                     .test_type = XCB_SYNC_TESTTYPE_POSITIVE_COMPARISON},
         // No event may tell of the end: that would be the wakeup which this saves.
         .event_threshold = parts(std::numeric_limits<std::int64_t>::max()),

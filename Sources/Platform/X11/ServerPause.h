@@ -4,8 +4,6 @@
 
 #include <xcb/sync.h>
 
-#include <chrono>
-
 namespace quillon::x11 {
 
 /// Makes the server wait before it handles what this connection asks for next, while it goes on serving others (the
@@ -16,10 +14,10 @@ public:
     /// Asks the server for its clock, in two round trips.
     explicit ServerPause(Connection& connection);
 
-    /// Requests that follow are handled once that time has passed, to the whole millisecond; at once where the
-    /// server lacks the extension. Everything that follows on the connection is held up, so only for times that
-    /// nobody notices.
-    void wait(std::chrono::milliseconds time) const;
+    /// Requests that follow are handled once the server's clock shows that time; at once when it does so already, and
+    /// where the server lacks the extension. Everything that follows on the connection is held up, so only for times
+    /// that nobody notices.
+    void waitUntil(xcb_timestamp_t time) const;
 
 private:
     Connection& connection;

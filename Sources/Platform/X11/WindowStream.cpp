@@ -1,6 +1,7 @@
 #include "Platform/X11/WindowStream.h"
 
 #include "Platform/X11/CaptureErrors.h"
+#include "Platform/X11/Event.h"
 #include "Platform/X11/Region.h"
 #include "Platform/X11/Scheduler.h"
 
@@ -94,7 +95,10 @@ void WindowStream::run() {
     feed->damage = makeRegion(connection);
     damage = Damage(connection);
     connection.mayFail(xcb_damage_create(xcb, damage.id(), source->id(), XCB_DAMAGE_REPORT_LEVEL_NON_EMPTY));
-    damageEvents = connection.observeDamage(damage.id(), [this](const auto&) { pacer.markDirty(); });
+    damageEvents = connection.observeDamage(damage.id(), [this](const auto& event) {
+        changed = as<xcb_damage_notify_event_t>(event).timestamp;
+        pacer.markDirty();
+    });
     sourceEvents = source->observe({
         .pictureReplaced = [this] { showPicture(); },
         .gone = [this] { sourceGone(); },
@@ -133,11 +137,12 @@ void WindowStream::release() {
 }
 
 /// Applications flush in the middle of their drawing: a moment after the first change keeps half-drawn frames off
-/// the screen. The server's clock makes one millisecond one to two.
-void WindowStream::settle(Seconds sinceChange) const {
-    constexpr std::chrono::milliseconds settleTime{1};
-    if (sinceChange < settleTime) {
-        serverPause.wait(settleTime);
+/// the screen.
+void WindowStream::settle(Seconds sinceChange) {
+    // More than one, since the clock counts whole ones.
+    constexpr xcb_timestamp_t settleTime = 2; // ms
+    if (const auto time = std::exchange(changed, std::nullopt); time && sinceChange < std::chrono::milliseconds(1)) {
+        serverPause.waitUntil(*time + settleTime);
     }
 }
 

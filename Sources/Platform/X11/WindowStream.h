@@ -6,6 +6,7 @@
 #include "Platform/X11/SourceWindow.h"
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace quillon::x11 {
@@ -38,7 +39,7 @@ private:
     void showPicture();
     void sourceGone();
     void release();
-    void settle(Seconds sinceChange) const;
+    void settle(Seconds sinceChange);
     void takeFrame(Seconds sinceChange);
 
     Connection& connection;
@@ -53,6 +54,8 @@ private:
     bool nextIsWhole = true;
     FramePacer pacer;
     Damage damage;
+    /// The server's time of the first drawing of the next frame; none when the whole picture is another one.
+    std::optional<xcb_timestamp_t> changed;
     std::shared_ptr<PictureFeed> feed = std::make_shared<PictureFeed>();
     RegistrationToken damageEvents;
     RegistrationToken sourceEvents;

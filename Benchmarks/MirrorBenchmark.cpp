@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 
 namespace quillon::benchmarks {
 
@@ -72,8 +73,8 @@ void printCosts(MirrorBench& bench, double seconds) {
     }
 }
 
-void printLatency(const char* name, const Latencies& latencies) {
-    std::printf("%-22s %8.2f %8.2f %8.2f %6zu\n", name, percentile(latencies, 0.5), percentile(latencies, 0.95),
+void printLatency(const std::string& name, const Latencies& latencies) {
+    std::printf("%-22s %8.2f %8.2f %8.2f %6zu\n", name.c_str(), percentile(latencies, 0.5), percentile(latencies, 0.95),
                 percentile(latencies, 0.99), latencies.size());
     std::fflush(stdout);
 }
@@ -85,15 +86,14 @@ void printLatencies(MirrorBench& bench) {
                 framesPerSecond);
     std::printf("%-22s %8s %8s %8s %6s\n", "Mirror", "median", "p95", "p99", "n");
     bench.play({"", 0, false});
-    bench.startQuillon(1, framesPerSecond);
-    printLatency("Quillon 100 %", bench.latencies(bench.panel(), 1, changes));
-    bench.stopQuillon();
-    bench.startQuillon(1.5, framesPerSecond);
-    printLatency("Quillon 150 %", bench.latencies(bench.panel(), 1.5, changes));
-    bench.stopQuillon();
-    const auto pipeline = bench.startPipeline(1, framesPerSecond);
-    bench.wait(1);
-    printLatency("GStreamer 100 %", bench.latencies(pipeline.window, 1, changes));
+    for (const auto& [name, scale] : {sizes[0], sizes[2]}) {
+        bench.startQuillon(scale, framesPerSecond);
+        printLatency(std::string("Quillon ") + name, bench.latencies(bench.panel(), scale, changes));
+        bench.stopQuillon();
+        const auto pipeline = bench.startPipeline(scale, framesPerSecond);
+        bench.wait(1);
+        printLatency(std::string("GStreamer ") + name, bench.latencies(pipeline.window, scale, changes));
+    }
 }
 
 void printMemory(MirrorBench& bench) {

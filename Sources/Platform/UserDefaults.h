@@ -30,7 +30,8 @@ public:
     virtual void set(std::string_view key, const PropertyValue& value) = 0;
     virtual void remove(std::string_view key) = 0;
     /// Called on the main thread after the value of the key has changed, whoever changed it (key-value observing of
-    /// NSUserDefaults); a change made on the main thread may be told before the call that makes it returns. Main thread.
+    /// NSUserDefaults); a change made on the main thread may be told before the call that makes it returns. Main
+    /// thread.
     [[nodiscard]] virtual RegistrationToken observe(std::string_view key, std::function<void()> callback) = 0;
 };
 

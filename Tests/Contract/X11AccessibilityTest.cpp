@@ -383,28 +383,25 @@ protected:
         const auto place = client.place(window).value_or(e2e::Rect());
         return {{place.x + 10.0, place.y + 50.0}, {380, 250}};
     }
-    static void expectScrolling(const Element& bar) {
-        elsewhere([&] {
-            EXPECT_EQ(bar->setAttributeValue("AXValue", 0.5), AccessibilityError::success);
-            EXPECT_EQ(copyDouble(*bar, "AXValue"), 0.5);
+    void expectAreaInTheRealWindow(const char* way) {
+        const auto liar = startLiar(way);
+        const auto areas = awaitAreas(liar.program->pid());
+        ASSERT_EQ(areas.size(), 1U);
+        const auto& [frame, bar] = areas.front();
+        EXPECT_EQ(frame, trueFrame(liar.window));
+        elsewhere([&scrolled = bar] {
+            EXPECT_EQ(scrolled->setAttributeValue("AXValue", 0.5), AccessibilityError::success);
+            EXPECT_EQ(copyDouble(*scrolled, "AXValue"), 0.5);
         });
     }
 };
 
 TEST_F(X11AccessibilityOfLiars, AWindowThatTellsAnotherPlaceIsFoundAndItsAreaLiesInTheRealOne) {
-    const auto liar = startLiar("displaced");
-    const auto areas = awaitAreas(liar.program->pid());
-    ASSERT_EQ(areas.size(), 1U);
-    EXPECT_EQ(areas.front().frame, trueFrame(liar.window));
-    expectScrolling(areas.front().bar);
+    expectAreaInTheRealWindow("displaced");
 }
 
 TEST_F(X11AccessibilityOfLiars, AWindowThatTellsAnotherSizeIsTakenForOneBehindABorder) {
-    const auto liar = startLiar("swollen");
-    const auto areas = awaitAreas(liar.program->pid());
-    ASSERT_EQ(areas.size(), 1U);
-    EXPECT_EQ(areas.front().frame, trueFrame(liar.window));
-    expectScrolling(areas.front().bar);
+    expectAreaInTheRealWindow("swollen");
 }
 
 TEST_F(X11AccessibilityOfLiars, AnAreaWithoutBoundsIsUnderNoPointAndItsBarCannotBeSet) {

@@ -2,8 +2,10 @@
 
 #include "Program.h"
 
+#include <array>
 #include <filesystem>
 #include <memory>
+#include <ostream>
 
 namespace quillon::e2e {
 
@@ -13,6 +15,11 @@ enum class WindowManager {
     /// With its compositor on.
     xfwm4,
 };
+/// For the names of tests.
+inline void PrintTo(WindowManager windowManager, std::ostream* stream) {
+    constexpr std::array names{"none", "openbox", "xfwm4"};
+    *stream << names.at(static_cast<std::size_t>(windowManager));
+}
 
 struct DesktopOptions {
     WindowManager windowManager = WindowManager::openbox;

@@ -16,11 +16,6 @@ inline constexpr Milliseconds frameSyncBound{1500};
 /// Closed windows are looked for every two seconds.
 inline constexpr Milliseconds pruningBound{4000};
 
-/// For the names of tests.
-inline void PrintTo(WindowManager windowManager, std::ostream* stream) {
-    *stream << (windowManager == WindowManager::xfwm4 ? "xfwm4" : "openbox");
-}
-
 /// A running sample program and its windows.
 struct Sample {
     std::unique_ptr<Program> program;

@@ -393,6 +393,15 @@ protected:
     static constexpr int buttonY = 40;
 };
 
+TEST_F(InteractionThroughSecondPointer, TheFirstClicksAreNotLostWhileItIsMade) {
+    moveTo(buttonX, buttonY);
+    for (int clicks = 0; clicks < 3; ++clicks) {
+        press();
+        release();
+    }
+    EXPECT_TRUE(client.waitUntil([&] { return count("button") == 3; })) << joined(linesOf(eventsFile()));
+}
+
 TEST_F(InteractionThroughSecondPointer, KeysThatAreHeldCount) {
     click(200, 28);
     client.pressKey(shiftKey);

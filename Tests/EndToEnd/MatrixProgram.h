@@ -47,6 +47,10 @@ public:
     [[nodiscard]] virtual bool horizontalWheel(Interaction& user) = 0;
 };
 
+inline void PrintTo(const std::shared_ptr<MatrixProgram>& program, std::ostream* stream) {
+    *stream << program->name();
+}
+
 [[nodiscard]] std::vector<std::shared_ptr<MatrixProgram>> matrixPrograms();
 
 } // namespace quillon::e2e

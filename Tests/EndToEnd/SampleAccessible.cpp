@@ -129,7 +129,8 @@ protected:
         }
         const auto name = message.arguments().value(1).toString();
         if (name == "ChildCount") {
-            return {propertyValue(way == "crowd" && !isApplication && !isWindow ? std::numeric_limits<int>::max() : 20)};
+            return {
+                propertyValue(way == "crowd" && !isApplication && !isWindow ? std::numeric_limits<int>::max() : 20)};
         }
         return {propertyValue(name == "Name" ? QString("Bad tree") : QString())};
     }

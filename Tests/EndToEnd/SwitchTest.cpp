@@ -19,6 +19,9 @@ struct Route {
     bool isForwarding;
     bool wantsCommand;
 };
+void PrintTo(const Route& route, std::ostream* stream) {
+    *stream << route.name;
+}
 
 using Parameters = std::tuple<WindowManager, Route>;
 

@@ -18,10 +18,10 @@ namespace quillon::x11 {
 /// A program that asks for the focus with a press is told that it has it already, and that it has lost it again when
 /// all buttons are up and no menu of it is open. (Told at once, Qt would close a menu that the click has opened.)
 ///
-/// When the window becomes active or comes to the front all the same, the window that was active gets the focus back and
-/// the other one returns to its place: soon after posted input, and as long as a menu is open that came with it, until
-/// soon after that has closed. What the user does herself stays: she goes to the window with the pointer, or closes,
-/// minimises or leaves the window that was active. Main thread.
+/// When the window becomes active or comes to the front all the same, the window that was active gets the focus back
+/// and the other one returns to its place: soon after posted input, and as long as a menu is open that came with it,
+/// until soon after that has closed. What the user does herself stays: she goes to the window with the pointer, or
+/// closes, minimises or leaves the window that was active. Main thread.
 class FocusKeeper final : private HeldWeakly<FocusKeeper> {
     friend HeldWeakly<FocusKeeper>;
 

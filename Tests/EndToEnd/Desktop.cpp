@@ -74,7 +74,7 @@ void Desktop::makeDirectories() {
         {"QT_STYLE_OVERRIDE", "Fusion"},
     };
     // The sanitizers of the program under test.
-    for (const auto* options : {"ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS"}) {
+    for (const auto* options : {"ASAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS"}) {
         if (const char* value = std::getenv(options)) {
             variables[options] = value;
         }

@@ -48,7 +48,7 @@ WindowRect centred(const Size& size, const WindowRect& rect) {
 std::shared_ptr<Image> composedPillIcon(const Size& glyphSize, DrawGlyph drawGlyph, const std::optional<Color>& tint) {
     const Size size{std::max(glyphSize.width + padding.width, smallestWidth),
                     std::min(glyphSize.height + padding.height, platform().statusBar().thickness() - barMargin)};
-    const auto image = platform().images().drawnImage(
+    auto image = platform().images().drawnImage(
         size, [glyphSize, drawGlyph = std::move(drawGlyph), tint](ImageDrawing& drawing, const WindowRect& bounds) {
             const auto& colors = drawing.bestMatchAppearance() == Appearance::darkAqua ? onDark : onLight;
             drawing.fillRoundedRectangle(bounds, bounds.size.height * 0.5, colors.pill);

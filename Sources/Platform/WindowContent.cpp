@@ -10,8 +10,8 @@ bool haveSameControls(const FormRow& one, const FormRow& other) {
         return false;
     }
     const auto* items = std::get_if<RowItems>(&one.control);
-    return items == nullptr || std::ranges::equal(*items, std::get<RowItems>(other.control), {}, &RowItem::index,
-                                                  &RowItem::index);
+    return items == nullptr ||
+           std::ranges::equal(*items, std::get<RowItems>(other.control), {}, &RowItem::index, &RowItem::index);
 }
 
 } // namespace quillon

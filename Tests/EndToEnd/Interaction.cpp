@@ -28,6 +28,14 @@ void Interaction::moveTo(int x, int y) {
     client.movePointer(pointer.x, pointer.y);
 }
 
+void Interaction::press(std::uint8_t button) {
+    client.pressButton(button);
+    // Its wheel a window gets at once.
+    if (button < wheelUp || button > wheelRight) {
+        client.waitForWindowManager();
+    }
+}
+
 void Interaction::click(int x, int y, std::uint8_t button) {
     moveTo(x, y);
     press(button);

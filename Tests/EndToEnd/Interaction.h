@@ -31,7 +31,7 @@ class Interaction : public EndToEndTest {
 public:
     /// To a place of the panel.
     void moveTo(int x, int y);
-    void press(std::uint8_t button = left) { client.pressButton(button); }
+    void press(std::uint8_t button = left);
     void release(std::uint8_t button = left) { client.releaseButton(button); }
     void click(int x, int y, std::uint8_t button = left);
     void doubleClick(int x, int y);

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <fstream>
 
 namespace quillon::e2e {
@@ -366,6 +367,17 @@ protected:
                    ? testing::AssertionSuccess()
                    : testing::AssertionFailure() << joined(linesOf(eventsFile()));
     }
+    /// In pixels.
+    [[nodiscard]] int scrolledTo() const {
+        const std::string beginning = "vertical ";
+        int last = 0;
+        for (const auto& line : linesOf(eventsFile())) {
+            if (line.starts_with(beginning)) {
+                last = std::stoi(line.substr(beginning.size()));
+            }
+        }
+        return last;
+    }
     [[nodiscard]] bool hasRecordOfHoles() const {
         return !client.property(client.root(), "_QUILLON_INPUT_HOLES").empty();
     }
@@ -400,6 +412,24 @@ TEST_F(InteractionThroughSecondPointer, TheFirstClicksAreNotLostWhileItIsMade) {
         release();
     }
     EXPECT_TRUE(client.waitUntil([&] { return count("button") == 3; })) << joined(linesOf(eventsFile()));
+}
+
+TEST_F(InteractionThroughSecondPointer, ABurstLosesNothingAndKeepsItsOrder) {
+    constexpr int x = 300;
+    constexpr int y = 200;
+    constexpr int steps = 20;
+    turnWheel(x, y, wheelDown, steps);
+    for (int times = 0; times < 25; ++times) {
+        turnWheel(x, y, wheelDown, steps);
+        turnWheel(x, y, wheelUp, steps);
+    }
+    ASSERT_TRUE(clickPressesButton());
+    const auto position = scrolledTo();
+    turnWheel(x, y, wheelUp);
+    ASSERT_TRUE(clickPressesButton());
+    const auto step = position - scrolledTo();
+    ASSERT_GT(step, 0);
+    EXPECT_EQ(std::lround(static_cast<double>(position) / step), steps) << position << " by " << step;
 }
 
 TEST_F(InteractionThroughSecondPointer, KeysThatAreHeldCount) {

@@ -305,6 +305,19 @@ void XClient::askWindowManager(Window window, std::string_view type, const std::
                   data);
 }
 
+void XClient::waitForWindowManager() const {
+    const Window window = xcb_generate_id(connection);
+    const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_create_window(connection, XCB_COPY_FROM_PARENT, window, root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                      XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &mask);
+    askWindowManager(window, "_NET_REQUEST_FRAME_EXTENTS", {});
+    const bool answered = waitUntil([&] { return !property(window, "_NET_FRAME_EXTENTS").empty(); });
+    xcb_destroy_window(connection, window);
+    if (!answered) {
+        throw std::runtime_error("the window manager does not answer");
+    }
+}
+
 void XClient::activate(Window window) const {
     askWindowManager(window, "_NET_ACTIVE_WINDOW", {sourcePager, XCB_CURRENT_TIME, XCB_NONE});
 }

@@ -77,9 +77,9 @@ public:
     [[nodiscard]] bool isAbove(Window window, Window other) const;
     [[nodiscard]] std::vector<std::uint32_t> property(Window window, std::string_view name) const;
 
-    /// Until it has handled whatever has happened so far, and has let go of a press that it held back. Presses that come
-    /// sooner may be lost: of thirty clicks at once on a window without the focus, several now and then never get there,
-    /// with openbox and with xfwm4.
+    /// Until it has handled whatever has happened so far, and has let go of a press that it held back. Presses that
+    /// come sooner may be lost: of thirty clicks at once on a window without the focus, several now and then never get
+    /// there, with openbox and with xfwm4.
     void waitForWindowManager() const;
 
     // What a user asks of the window manager

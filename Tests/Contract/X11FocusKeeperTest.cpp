@@ -130,15 +130,17 @@ protected:
     }
     /// The program asks for the focus and gets it from the manager, for a moment at least.
     [[nodiscard]] bool takesFocus() {
-        const auto before = activationsOfTarget();
+        const auto before = static_cast<std::ptrdiff_t>(focusWatch.changes().size());
         askForFocus(target.window);
-        return eventually([&] { return activationsOfTarget() > before; });
+        return eventually([&] { return tookFocusAfter(before); });
     }
-    [[nodiscard]] std::ptrdiff_t activationsOfTarget() const {
+    /// Whether the target got the focus after that many changes and the manager has announced it. Which window is the
+    /// active one is asked only then, when the keeper may have given the focus back already.
+    [[nodiscard]] bool tookFocusAfter(std::ptrdiff_t before) const {
         const auto changes = focusWatch.changes();
-        return std::count_if(changes.begin(), changes.end(), [this](const auto& change) {
-            return change.window == target.window && !change.isKeyboardFocus;
-        });
+        const auto taken = std::find_if(changes.begin() + before, changes.end(),
+                                        [this](const auto& change) { return change.window == target.window; });
+        return std::any_of(taken, changes.end(), [](const auto& change) { return !change.isKeyboardFocus; });
     }
     [[nodiscard]] bool targetIsInFront() const {
         return isActive(target) && (!client.isViewable(active.window) || client.isAbove(target.window, active.window));

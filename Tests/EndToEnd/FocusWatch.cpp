@@ -1,5 +1,7 @@
 #include "FocusWatch.h"
 
+#include "HandleEvents.h"
+
 #include <array>
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -26,10 +28,7 @@ std::vector<FocusWatch::Change> FocusWatch::changes() const {
 void FocusWatch::watch() {
     std::array<pollfd, 2> sources{{{xcb_get_file_descriptor(client.xcb()), POLLIN, 0}, {stopSignal, POLLIN, 0}}};
     while (sources[1].revents == 0 && xcb_connection_has_error(client.xcb()) == 0) {
-        while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(client.xcb())}) {
-            handle(*event);
-        }
-        xcb_flush(client.xcb());
+        handleEvents(client.xcb(), [this](const auto& event) { handle(event); });
         poll(sources.data(), sources.size(), -1);
     }
 }

@@ -10,6 +10,8 @@
 // Arguments: --windows N  --place X,Y,WIDTH,HEIGHT  --title TEXT  --depth 32  --no-pid  --input FILE
 //            --part X,Y,WIDTH,HEIGHT
 
+#include "HandleEvents.h"
+
 #include <xcb/xcb.h>
 
 #include <algorithm>
@@ -332,11 +334,7 @@ public:
 
     void run() {
         while (!windows.empty() && xcb_connection_has_error(connection) == 0) {
-            // Before waiting: events may have come with a reply.
-            while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(connection)}) {
-                handle(*event);
-            }
-            xcb_flush(connection);
+            quillon::e2e::handleEvents(connection, [this](const auto& event) { handle(event); });
             std::array<pollfd, 2> sources{{{xcb_get_file_descriptor(connection), POLLIN, 0}, {clock, POLLIN, 0}}};
             poll(sources.data(), sources.size(), -1);
             std::uint64_t expirations = 0;

@@ -3,6 +3,7 @@
 #include "Platform/X11/PropertyReply.h"
 #include "Platform/X11/WindowManager.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 
@@ -13,6 +14,8 @@ namespace quillon::x11 {
 namespace {
 
 constexpr std::chrono::milliseconds longestWait{250};
+/// The news may have been read together with the reply before it; the socket does not announce it then.
+constexpr std::chrono::milliseconds betweenLooks{2};
 
 bool hasExtents(Connection& connection, xcb_window_t window) {
     PropertyReply extents(connection, window, connection.atom("_NET_FRAME_EXTENTS"), 1);
@@ -29,7 +32,7 @@ bool waitForExtents(Connection& connection, xcb_window_t window) {
             return false;
         }
         pollfd socket{xcb_get_file_descriptor(connection.xcb()), POLLIN, 0};
-        poll(&socket, 1, static_cast<int>(left.count()));
+        poll(&socket, 1, static_cast<int>(std::min(left, betweenLooks).count()));
     }
     return true;
 }
